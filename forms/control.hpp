@@ -1,0 +1,29 @@
+// The toolkit-free controls of a screen: text boxes, labels, command buttons, picture boxes and the
+// record-binding data control. A screen declares them as data (name, kind, caption, bound column,
+// place), so the desktop view, the script driver and the tests all see the same screen.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace cauce::forms {
+
+enum class Kind { TextBox, Label, CommandButton, PictureBox, Data };
+
+// Place on the screen's grid, in layout units (pixels of the reference window, 1000 x 720).
+struct Place {
+    int x = 0, y = 0, w = 0, h = 0;
+};
+
+struct Control {
+    std::string name;    // "Text1", "Label25", "Command2", "Picture1", "Data1"
+    Kind kind = Kind::Label;
+    std::string text;    // text of a text box; caption of a label, button or data control; figure of a picture
+    std::string column;  // worksheet column a text box is bound to ("" when unbound)
+    Place place;
+    bool multiline = false;  // a label that wraps
+};
+
+const char* KindName(Kind kind);
+
+}  // namespace cauce::forms

@@ -1,0 +1,116 @@
+#include "forms/guion.hpp"
+
+#include <istream>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "forms/val.hpp"
+#include "hydraulics/fault.hpp"
+
+namespace cauce::forms {
+
+std::string StateJson(const Screen& screen) {
+    nlohmann::ordered_json j = nlohmann::ordered_json::object();
+    for (const auto& c : screen.Controls()) j[c.name] = c.text;
+    if (screen.LastError()) j["error"] = *screen.LastError();
+    return j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+namespace {
+
+struct Line {
+    std::string verb, rest;
+};
+
+Line Split(const std::string& s) {
+    const auto sp = s.find(' ');
+    if (sp == std::string::npos) return {s, ""};
+    return {s.substr(0, sp), s.substr(sp + 1)};
+}
+
+}  // namespace
+
+int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const ScreenFactory& make) {
+    std::unique_ptr<Screen> screen;
+    std::string raw;
+    int number = 0;
+    auto fail = [&](const std::string& why) {
+        err << "guion: línea " << number << ": " << why << "\n";
+        return 2;
+    };
+    while (std::getline(in, raw)) {
+        ++number;
+        if (!raw.empty() && raw.back() == '\r') raw.pop_back();
+        if (number == 1 && raw.rfind("\xEF\xBB\xBF", 0) == 0) raw.erase(0, 3);  // a UTF-8 byte-order mark
+        if (raw.empty() || raw[0] == '#') continue;
+        if (raw.find_first_not_of(" \t") == std::string::npos) continue;
+        const Line line = Split(raw);
+
+        if (line.verb == "pantalla") {
+            if (screen) screen->SavePending();
+            auto next = make(line.rest);
+            if (!next) return fail("pantalla desconocida: \"" + line.rest + "\" (Form1 a Form5)");
+            screen = std::move(next);
+            continue;
+        }
+        if (!screen) return fail("primero hay que abrir una pantalla (pantalla FormN)");
+
+        if (line.verb == "escribir") {
+            const auto sp = line.rest.find(' ');
+            const std::string name = line.rest.substr(0, sp);
+            const std::string text = sp == std::string::npos ? "" : line.rest.substr(sp + 1);
+            const Control* c = screen->Find(name);
+            if (!c) return fail("control desconocido: \"" + name + "\"");
+            if (c->kind != Kind::TextBox) return fail(name + " no es un cuadro de texto");
+            screen->Type(name, text);
+        } else if (line.verb == "oprimir") {
+            const Control* c = screen->Find(line.rest);
+            if (!c) return fail("control desconocido: \"" + line.rest + "\"");
+            if (c->kind != Kind::CommandButton) return fail(line.rest + " no es un botón");
+            screen->Click(line.rest);
+            if (screen->Closed()) {
+                try {
+                    screen->SavePending();
+                } catch (const Fault& f) {
+                    err << "guion: " << f.what() << "\n";
+                    return 1;
+                }
+                return 0;
+            }
+        } else if (line.verb == "mostrar") {
+            if (!line.rest.empty()) return fail("\"mostrar\" no lleva argumentos");
+            out << StateJson(*screen) << "\n";
+        } else if (line.verb == "libro") {
+            if (!screen->HasData()) return fail(screen->Name() + " no tiene libro de datos (Data1)");
+            try {
+                screen->OpenWorkbook(line.rest);
+            } catch (const Fault& f) {
+                err << "guion: línea " << number << ": " << f.what() << "\n";
+                return 1;
+            }
+        } else if (line.verb == "registro") {
+            if (!screen->HasData()) return fail(screen->Name() + " no tiene libro de datos (Data1)");
+            const auto p = line.rest.find_first_not_of("0123456789");
+            if (line.rest.empty() || p != std::string::npos) return fail("número de registro no válido: \"" + line.rest + "\"");
+            try {
+                screen->MoveTo(std::stoi(line.rest.substr(0, 9)));
+            } catch (const Fault& f) {
+                err << "guion: línea " << number << ": " << f.what() << "\n";
+                return 1;
+            }
+        } else {
+            return fail("orden desconocida: \"" + line.verb + "\" (pantalla, escribir, oprimir, libro, registro, mostrar)");
+        }
+    }
+    if (screen) {
+        try {
+            screen->SavePending();
+        } catch (const Fault& f) {
+            err << "guion: " << f.what() << "\n";
+            return 1;
+        }
+    }
+    return 0;
+}
+
+}  // namespace cauce::forms

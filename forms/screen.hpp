@@ -1,0 +1,92 @@
+// A screen: its controls, its click handlers and its record binding. Screens (Form1..Form5) derive
+// from it, declare their controls in their constructor and register a handler per button.
+//
+// A click: a button whose caption is empty does nothing; otherwise its handler runs. A fault stops
+// the handler where it arose, the screen keeps what was already written, and the fault's Spanish
+// message is kept as the click's error.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "forms/binding.hpp"
+#include "forms/control.hpp"
+
+namespace cauce::forms {
+
+class Screen {
+public:
+    Screen(std::string name, std::string title);
+    virtual ~Screen();
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+
+    const std::string& Name() const { return name_; }
+    const std::string& Title() const { return title_; }  // window title
+    const std::vector<Control>& Controls() const { return controls_; }
+    const Control* Find(std::string_view name) const;
+    const Control& Get(std::string_view name) const;  // throws std::out_of_range when absent
+
+    // What the user does: type into a text box, click a button.
+    void Type(std::string_view name, std::string text);
+    // Runs the click; returns the fault's message when the handler stopped on one.
+    std::optional<std::string> Click(std::string_view name);
+    const std::optional<std::string>& LastError() const { return last_error_; }
+    // "Salir" was pressed: the application ends after saving the pending record edits.
+    bool Closed() const { return closed_; }
+
+    // Record binding (screens with a Data1). Moving saves the record left when a bound box changed.
+    bool HasData() const { return Find("Data1") != nullptr; }
+    const std::string& Sheet() const { return sheet_; }
+    void OpenWorkbook(const std::string& path);  // shows the first record
+    void MoveTo(int record);                      // 1-based; saves the record left
+    void MoveFirst() { MoveTo(1); }
+    void MovePrevious() { MoveTo(record_ - 1); }
+    void MoveNext() { MoveTo(record_ + 1); }
+    void MoveLast() { MoveTo(RecordCount()); }
+    int Record() const { return record_; }
+    int RecordCount() const;
+    bool Dirty() const { return dirty_; }
+    // Saves the current record's pending edits (closing the screen, "Salir"); returns the save's note.
+    std::string SavePending();
+    const std::string& WorkbookPath() const { return workbook_path_; }
+    const RecordSource* Source() const { return source_.get(); }
+    // Message of the last workbook save, if it had one to give ("" otherwise).
+    const std::string& SaveNote() const { return save_note_; }
+
+protected:
+    void Add(Control c);
+    void Set(std::string_view name, std::string text);  // a handler writes a box, label or picture
+    const std::string& Text(std::string_view name) const { return Get(name).text; }
+    double ValOf(std::string_view name) const;
+    void OnClick(std::string name, std::function<void()> handler);
+    void Close() { closed_ = true; }
+    void BindSheet(std::string sheet) { sheet_ = std::move(sheet); }
+
+private:
+    Control& Mut(std::string_view name);
+    void Fill();
+    void WriteRecord();
+
+    std::string name_, title_;
+    std::vector<Control> controls_;
+    std::map<std::string, std::size_t, std::less<>> index_;
+    std::map<std::string, std::function<void()>, std::less<>> handlers_;
+    std::optional<std::string> last_error_;
+    bool closed_ = false;
+
+    std::string sheet_;
+    std::string workbook_path_;
+    std::unique_ptr<RecordSource> source_;
+    int record_ = 0;
+    bool dirty_ = false;
+    bool filling_ = false;
+    std::string save_note_;
+};
+
+}  // namespace cauce::forms

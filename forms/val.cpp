@@ -1,0 +1,110 @@
+#include "forms/val.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <string>
+
+#include "hydraulics/fault.hpp"
+
+namespace cauce::forms {
+
+namespace {
+
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+double RadixValue(std::string_view s, std::size_t pos, int radix) {
+    double v = 0;
+    for (; pos < s.size(); ++pos) {
+        const char c = s[pos];
+        int d;
+        if (IsDigit(c)) {
+            d = c - '0';
+        } else if (radix == 16 && c >= 'a' && c <= 'f') {
+            d = c - 'a' + 10;
+        } else if (radix == 16 && c >= 'A' && c <= 'F') {
+            d = c - 'A' + 10;
+        } else if (IsBlank(c)) {
+            continue;
+        } else {
+            break;
+        }
+        if (d >= radix) break;
+        v = v * radix + d;
+        if (v > 4294967295.0) raise(msg::kDesbordamiento);
+    }
+    return v;
+}
+
+}  // namespace
+
+double Val(std::string_view s) {
+    std::size_t pos = 0;
+    while (pos < s.size() && IsBlank(s[pos])) ++pos;
+    if (pos + 1 < s.size() && s[pos] == '&') {
+        const char r = s[pos + 1];
+        if (r == 'h' || r == 'H') return RadixValue(s, pos + 2, 16);
+        if (r == 'o' || r == 'O') return RadixValue(s, pos + 2, 8);
+    }
+    // Gather the number without its blanks, then convert it exactly and without locale.
+    std::string clean;
+    bool digits = false, point = false;
+    auto skip_blanks = [&] {
+        while (pos < s.size() && IsBlank(s[pos])) ++pos;
+    };
+    if (pos < s.size() && (s[pos] == '-' || s[pos] == '+')) {
+        clean += s[pos++];
+        skip_blanks();
+    }
+    for (; pos < s.size(); ++pos) {
+        const char c = s[pos];
+        if (IsDigit(c)) {
+            clean += c;
+            digits = true;
+        } else if (c == '.' && !point) {
+            clean += c;
+            point = true;
+        } else if (!IsBlank(c)) {
+            break;
+        }
+    }
+    if (!digits) return 0;
+    // Exponent: E or D, an optional sign and at least one digit; otherwise it is not part of it.
+    if (pos < s.size() && (s[pos] == 'e' || s[pos] == 'E' || s[pos] == 'd' || s[pos] == 'D')) {
+        std::size_t q = pos + 1;
+        while (q < s.size() && IsBlank(s[q])) ++q;
+        std::string exp = "e";
+        if (q < s.size() && (s[q] == '-' || s[q] == '+')) exp += s[q++];
+        bool exp_digits = false;
+        for (; q < s.size(); ++q) {
+            if (IsDigit(s[q])) {
+                if (exp.size() < 12) exp += s[q];
+                exp_digits = true;
+            } else if (!IsBlank(s[q])) {
+                break;
+            }
+        }
+        if (exp_digits) clean += exp;
+    }
+    double v = 0;
+    const char* first = clean.data();
+    if (*first == '+') ++first;
+    const auto [ptr, ec] = std::from_chars(first, clean.data() + clean.size(), v);
+    if (ec == std::errc::result_out_of_range) {
+        // Too small reads as zero; too large is the legacy overflow.
+        const auto e = clean.find('e');
+        const bool tiny = e != std::string::npos && clean[e + 1] == '-';
+        if (tiny) return 0;
+        raise(msg::kDesbordamiento);
+    }
+    (void)ptr;
+    return v;
+}
+
+int CInt(double x) {
+    const double r = std::nearbyint(x);  // the default rounding mode: half to even
+    if (!(r >= -32768.0 && r <= 32767.0)) raise("Desbordamiento: el número entero debe estar entre -32768 y 32767");
+    return static_cast<int>(r);
+}
+
+}  // namespace cauce::forms

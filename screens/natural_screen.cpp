@@ -1,0 +1,85 @@
+#include "screens/natural_screen.hpp"
+
+#include "forms/format.hpp"
+#include "forms/val.hpp"
+
+namespace cauce::screens {
+
+using forms::Format;
+using forms::Kind;
+
+NaturalScreen::NaturalScreen(std::string name, std::string title, SectionBoxes boxes)
+    : Screen(std::move(name), std::move(title)), boxes_(std::move(boxes)) {}
+
+void NaturalScreen::AddLevelTable(int x, int y, int row_step) {
+    for (int j = 1; j <= 15; ++j) {
+        const int row_y = y + (j - 1) * row_step;
+        Add({"Label" + std::to_string(j + 2), Kind::Label, std::to_string(j), "", {x - 30, row_y, 26, row_step - 4}});
+        Add({"Text" + std::to_string(2 * j - 1), Kind::TextBox, "", "z" + std::to_string(j), {x, row_y, 72, row_step - 4}});
+        Add({"Text" + std::to_string(2 * j), Kind::TextBox, "", "t" + std::to_string(j), {x + 76, row_y, 72, row_step - 4}});
+    }
+}
+
+bool NaturalScreen::Inicio() {
+    st_.N = forms::CInt(ValOf("Text61"));
+    st_.i = forms::CInt(ValOf("Text62"));
+    const int i = st_.i;
+    for (int j = 1; j <= 15; ++j) {
+        st_.Z(i, j) = ValOf("Text" + std::to_string(2 * j - 1));
+        st_.T(i, j) = ValOf("Text" + std::to_string(2 * j));
+        if (j == 2) {
+            st_.n = ValOf(boxes_.n);
+            st_.S0(i) = ValOf(boxes_.s0);
+        }
+    }
+    st_.CountLevels(i);
+    switch (st_.Qful(i)) {
+        case natural::TableError::Cotas: Set("Label26", natural::kCotasError); break;
+        case natural::TableError::Anchos: Set("Label26", natural::kAnchosError); break;
+        case natural::TableError::None: break;
+    }
+    return true;
+}
+
+void NaturalScreen::SectionClick() {
+    if (!Inicio()) return;
+    const int i = st_.i;
+    Set("Label31", "");
+    st_.Q(i) = ValOf(boxes_.q);
+    if (i >= st_.N) LastSection();
+    if (st_.Q(i) == 0) return;
+    if (st_.Q(i) > st_.Qlleno(i)) {
+        Qdesbord();
+        Resultados();
+        return;
+    }
+    Set("Picture1", kFigCauces1);
+    st_.NormalInBank(i);
+    st_.Qc = st_.Q(i);
+    st_.Critica(i);
+    Resultados();
+}
+
+void NaturalScreen::Qdesbord() {
+    const int i = st_.i;
+    Set("Label31", natural::kDesbordamiento);
+    Set("Picture1", kFigCauces);
+    st_.B = ValOf(boxes_.b);
+    st_.nz = ValOf(boxes_.nz);
+    if (st_.B < st_.BankWidth(i)) {
+        Set("Label31", natural::kAnchoMenor);
+        return;
+    }
+    st_.Qdesbord(i);
+    if (st_.NoFloodZone(i)) Set("Picture1", kFigCauces2);
+    st_.Qdesbord3(i);
+}
+
+void NaturalScreen::Resultados() {
+    const int i = st_.i;
+    st_.Resultados(i);
+    Set(boxes_.yn, Format(st_.Yn(i), "0.00"));
+    Set(boxes_.yc, Format(st_.Yc(i), "0.00"));
+}
+
+}  // namespace cauce::screens
