@@ -1,6 +1,7 @@
 #include "screens/profile_screen.hpp"
 
 #include "forms/format.hpp"
+#include "hydraulics/profiles/profile.hpp"
 
 namespace cauce::screens {
 
@@ -80,8 +81,26 @@ void ProfileScreen::LastSection() {
     Set("Picture1", kFigCauces1);
 }
 
+// "Perfiles": the depth at the last section, the chainages of the fifteen rows, the run, the table.
 void ProfileScreen::Command1Click() {
-    // The profile run of the reach.
+    Set("Label32", "Yinicial");
+    if (!profiles::SetStartDepth(st_, ValOf("Text98"))) {
+        Set("Label32", "Incluya Y inicial");
+        return;
+    }
+    for (int j = 1; j <= profiles::kTableRows; ++j) st_.X(j) = ValOf(T(29 + 2 * j));  // Text31, Text33, ...
+    profiles::ProfileRun(st_);
+    Tabla();
+}
+
+// Types into Text32..Text60 (even), water-surface elevations into Text63..Text77, velocities into
+// Text78..Text92, for sections 1..15 whatever N is.
+void ProfileScreen::Tabla() {
+    const auto rows = profiles::Tabla(st_);
+    auto row = [&rows](int j) -> const profiles::TableRow& { return rows[static_cast<std::size_t>(j - 1)]; };
+    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(30 + 2 * j), row(j).tipo);
+    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(62 + j), forms::Format(row(j).zw, "0.00"));
+    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(77 + j), forms::Format(row(j).v, "0.00"));
 }
 
 std::unique_ptr<forms::Screen> MakeForm2() {

@@ -27,6 +27,7 @@ public:
 private:
     void FormLoad();
     void Command1Click();  // "Perfiles"
+    void Tabla();
     void LastSection() override;
 };
 
