@@ -11,18 +11,28 @@ using forms::Kind;
 NaturalScreen::NaturalScreen(std::string name, std::string title, SectionBoxes boxes)
     : Screen(std::move(name), std::move(title)), boxes_(std::move(boxes)) {}
 
-void NaturalScreen::AddLevelTable(int x, int y, int row_step) {
+void NaturalScreen::AddLevelTable(int x, int y, int row_step, int first_row_label) {
     for (int j = 1; j <= 15; ++j) {
         const int row_y = y + (j - 1) * row_step;
-        Add({"Label" + std::to_string(j + 2), Kind::Label, std::to_string(j), "", {x - 30, row_y, 26, row_step - 4}});
+        Add({"Label" + std::to_string(first_row_label + j - 1), Kind::Label, std::to_string(j), "", {x - 30, row_y, 26, row_step - 4}});
         Add({"Text" + std::to_string(2 * j - 1), Kind::TextBox, "", "z" + std::to_string(j), {x, row_y, 72, row_step - 4}});
         Add({"Text" + std::to_string(2 * j), Kind::TextBox, "", "t" + std::to_string(j), {x + 76, row_y, 72, row_step - 4}});
     }
 }
 
 bool NaturalScreen::Inicio() {
+    ReadSection();
+    BuildTables();
+    return true;
+}
+
+void NaturalScreen::ReadSectionNumbers() {
     st_.N = forms::CInt(ValOf("Text61"));
     st_.i = forms::CInt(ValOf("Text62"));
+}
+
+void NaturalScreen::ReadSection() {
+    ReadSectionNumbers();
     const int i = st_.i;
     for (int j = 1; j <= 15; ++j) {
         st_.Z(i, j) = ValOf("Text" + std::to_string(2 * j - 1));
@@ -32,13 +42,16 @@ bool NaturalScreen::Inicio() {
             st_.S0(i) = ValOf(boxes_.s0);
         }
     }
+}
+
+void NaturalScreen::BuildTables() {
+    const int i = st_.i;
     st_.CountLevels(i);
     switch (st_.Qful(i)) {
         case natural::TableError::Cotas: Set("Label26", natural::kCotasError); break;
         case natural::TableError::Anchos: Set("Label26", natural::kAnchosError); break;
         case natural::TableError::None: break;
     }
-    return true;
 }
 
 void NaturalScreen::SectionClick() {

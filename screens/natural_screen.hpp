@@ -30,8 +30,9 @@ protected:
     NaturalScreen(std::string name, std::string title, SectionBoxes boxes);
 
     // Declares the level table (Text1..Text30 bound to z1..z15 / t1..t15) and its row labels
-    // (Label3..Label17) on rows starting at y, with the elevation boxes at x.
-    void AddLevelTable(int x, int y, int row_step);
+    // (Label3..Label17, or fifteen labels from first_row_label on) on rows starting at y, with the
+    // elevation boxes at x.
+    void AddLevelTable(int x, int y, int row_step, int first_row_label = 3);
 
     // "(Y?)" (Command2_Click) for the section of the current record.
     void SectionClick();
@@ -39,6 +40,11 @@ protected:
     // Inicio: reads N, i, the levels, n and S0(i); counts the levels and builds the tables (Qful).
     // Returns false when the screen's own check stops "(Y?)".
     virtual bool Inicio();
+    // The two halves of Inicio, for screens that check their data in between.
+    void ReadSection();
+    void BuildTables();
+    // N from Text61 and i from Text62.
+    virtual void ReadSectionNumbers();
     // The section numbered N (or above) has been computed: the profile button takes over.
     virtual void LastSection() {}
     // Writes the results of the section just computed.

@@ -1,5 +1,6 @@
 #include "screens/registry.hpp"
 
+#include "screens/form5.hpp"
 #include "screens/profile_screen.hpp"
 
 namespace cauce::screens {
@@ -12,6 +13,7 @@ struct Entry {
 const Entry kScreens[] = {
     {"Form2", MakeForm2},
     {"Form4", MakeForm4},
+    {"Form5", MakeForm5},
 };
 }  // namespace
 
