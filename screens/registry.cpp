@@ -1,5 +1,6 @@
 #include "screens/registry.hpp"
 
+#include "screens/form1.hpp"
 #include "screens/form3.hpp"
 #include "screens/form5.hpp"
 #include "screens/profile_screen.hpp"
@@ -12,6 +13,7 @@ struct Entry {
     std::unique_ptr<forms::Screen> (*make)();
 };
 const Entry kScreens[] = {
+    {"Form1", MakeForm1},
     {"Form2", MakeForm2},
     {"Form3", MakeForm3},
     {"Form4", MakeForm4},
