@@ -65,7 +65,7 @@ Form3::Form3()
     Add({"Text125", Kind::TextBox, "", "Caudal", {585, 170, 80, 22}});
     Add({"Label18", Kind::Label, " Abscisa m", "", {460, 198, 120, 22}});
     Add({"Text131", Kind::TextBox, "", "Abscisa", {585, 198, 80, 22}});
-    Add({"Label26", Kind::Label, "ZONA INUNDABLE:", "", {460, 232, 300, 22}});
+    Add({"Label26", Kind::Label, "ZONA INUNDABLE:", "", {460, 232, 220, 22}});
     Add({"Label29", Kind::Label, "Ancho:", "", {460, 260, 120, 22}});
     Add({"Text126", Kind::TextBox, "", "Ancho Zi", {585, 260, 80, 22}});
     Add({"Label30", Kind::Label, "Rugosidad", "", {460, 288, 120, 22}});

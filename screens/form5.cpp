@@ -55,7 +55,7 @@ Form5::Form5() : NaturalScreen("Form5", "Cauce - Flujo uniforme en cauces natura
     Add({"Text94", Kind::TextBox, "", "Si", {415, 142, 80, 22}});
     Add({"Label23", Kind::Label, "Caudal", "", {300, 170, 110, 22}});
     Add({"Text95", Kind::TextBox, "", "Caudal", {415, 170, 80, 22}});
-    Add({"Label26", Kind::Label, "ZONA INUNDABLE:", "", {300, 206, 300, 22}});
+    Add({"Label26", Kind::Label, "ZONA INUNDABLE:", "", {300, 206, 220, 22}});
     Add({"Label29", Kind::Label, "Ancho:", "", {300, 234, 110, 22}});
     Add({"Text96", Kind::TextBox, "", "Ancho Zi", {415, 234, 80, 22}});
     Add({"Label30", Kind::Label, "Rugosidad", "", {300, 262, 110, 22}});
@@ -80,7 +80,7 @@ Form5::Form5() : NaturalScreen("Form5", "Cauce - Flujo uniforme en cauces natura
     Add({"Command2", Kind::CommandButton, "(Y?)", "", {530, 114, 110, 34}});
     Add({"Command3", Kind::CommandButton, "Salir", "", {530, 158, 110, 34}});
     Add({"Label31", Kind::Label, "", "", {530, 206, 300, 44}, true});
-    Add({"Picture1", Kind::PictureBox, "", "", {620, 5, 220, 150}});
+    Add({"Picture1", Kind::PictureBox, "", "", {530, 270, 220, 150}});
     Add({"Data1", Kind::Data, "Flujo uniforme", "", {10, 510, 480, 30}});
 
     OnClick("Command2", [this] { SectionClick(); });
