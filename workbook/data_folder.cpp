@@ -1,0 +1,111 @@
+#include "workbook/data_folder.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdlib>
+
+#include "hydraulics/fault.hpp"
+#include "workbook/bundled.hpp"
+#include "workbook/save_file.hpp"
+
+namespace cauce::workbook {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string Lower(std::string s) {
+    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::replace(s.begin(), s.end(), '/', '\\');
+    return s;
+}
+
+// The workbook stem a legacy fixed path stands for, "" for any other path.
+std::string LegacyStem(const std::string& path) {
+    const std::string p = Lower(path);
+    if (p == "c:\\programas\\datos\\rios.xls" || p == "rios.xls") return "Rios";
+    if (p == "c:\\ormandi\\ormandi.xls") return "Ormandi";
+    return "";
+}
+
+// A file of the folder whose name matches without case; empty when there is none.
+fs::path FindNoCase(const fs::path& folder, const std::string& name) {
+    std::error_code ec;
+    const std::string want = Lower(name);
+    for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
+        if (Lower(it->path().filename().string()) == want && it->is_regular_file(ec)) return it->path();
+    return {};
+}
+
+fs::path EnsureFolder() {
+    const fs::path folder = DataFolder();
+    std::error_code ec;
+    fs::create_directories(folder, ec);
+    if (ec || !fs::is_directory(folder))
+        raise("No se puede crear la carpeta de datos \"" + folder.string() + "\": " + SystemReason(ec.value()) + ".");
+    return folder;
+}
+
+// Writes a bundled file under its name unless a file of that name appears meanwhile.
+bool CopyNew(const fs::path& target, const BundledFile& f) {
+    const int fd = ::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0644);
+    if (fd < 0) {
+        if (errno == EEXIST) return false;
+        raise("No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + SystemReason(errno) + ".");
+    }
+    std::size_t done = 0;
+    while (done < f.size) {
+        const ssize_t n = ::write(fd, f.data + done, f.size - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) {
+            const int err = errno;
+            ::close(fd);
+            ::unlink(target.c_str());  // ours, and incomplete
+            raise("No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + SystemReason(err) + ".");
+        }
+        done += static_cast<std::size_t>(n);
+    }
+    ::fsync(fd);
+    ::close(fd);
+    return true;
+}
+
+}  // namespace
+
+fs::path DataFolder() {
+    if (const char* d = std::getenv("CAUCE_DATOS"); d && *d) return fs::absolute(d);
+    if (const char* x = std::getenv("XDG_DATA_HOME"); x && *x) return fs::path(x) / "cauce";
+    if (const char* h = std::getenv("HOME"); h && *h) return fs::path(h) / ".local" / "share" / "cauce";
+    return fs::absolute("cauce-datos");
+}
+
+std::vector<fs::path> InstallExamples() {
+    const fs::path folder = EnsureFolder();
+    std::vector<fs::path> copied;
+    for (std::size_t i = 0; i < kBundledCount; ++i) {
+        const BundledFile& f = kBundled[i];
+        const std::string stem = fs::path(f.name).stem().string();
+        // A user's own .xls of that name counts: the example must not hide it.
+        if (!FindNoCase(folder, stem + ".xlsx").empty() || !FindNoCase(folder, stem + ".xls").empty()) continue;
+        if (CopyNew(folder / f.name, f)) copied.push_back(folder / f.name);
+    }
+    return copied;
+}
+
+fs::path ResolveWorkbookPath(const std::string& path) {
+    const std::string stem = LegacyStem(path);
+    if (stem.empty()) return fs::absolute(path);
+    const fs::path folder = EnsureFolder();
+    for (int pass = 0; pass < 2; ++pass) {
+        if (fs::path p = FindNoCase(folder, stem + ".xlsx"); !p.empty()) return p;
+        if (fs::path p = FindNoCase(folder, stem + ".xls"); !p.empty()) return p;
+        if (pass == 0) InstallExamples();
+    }
+    return folder / (stem + ".xlsx");  // no example of that name: "not found" names this file
+}
+
+}  // namespace cauce::workbook

@@ -1,0 +1,25 @@
+// Where the user's workbooks live, and the names the legacy screens used for them.
+//
+// The data folder is $CAUCE_DATOS when set, otherwise cauce/ under $XDG_DATA_HOME or ~/.local/share.
+// The fixed paths of the legacy screens ("C:\Programas\Datos\Rios.xls", "C:\Ormandi\Ormandi.xls",
+// "rios.xls", in any case) name a workbook of that folder: its .xlsx if there is one, else its .xls,
+// else the bundled example, copied there first.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace cauce::workbook {
+
+std::filesystem::path DataFolder();
+
+// The file a path given to Data1 names: a legacy name as above, any other path as it is, a relative
+// one from the working folder. Throws Fault when the data folder cannot be made.
+std::filesystem::path ResolveWorkbookPath(const std::string& path);
+
+// Copies every bundled example workbook that the data folder lacks (neither its .xlsx nor its .xls
+// is there); never over an existing file. Returns the files copied.
+std::vector<std::filesystem::path> InstallExamples();
+
+}  // namespace cauce::workbook

@@ -1,0 +1,319 @@
+#include "workbook/workbook.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "hydraulics/fault.hpp"
+#include "workbook/legacy.hpp"
+#include "workbook/limits.hpp"
+#include "workbook/package.hpp"
+#include "workbook/save_file.hpp"
+#include "workbook/xml.hpp"
+
+namespace cauce::workbook {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool EndsWith(std::string_view s, std::string_view tail) {
+    return s.size() >= tail.size() && s.substr(s.size() - tail.size()) == tail;
+}
+
+// A relationship's target as a part name: relative to the source part's folder, or from the root.
+std::string ResolveTarget(const std::string& folder, std::string target) {
+    std::string path = !target.empty() && target[0] == '/' ? target.substr(1) : folder + target;
+    std::vector<std::string> out;
+    std::size_t start = 0;
+    while (start <= path.size()) {
+        const auto slash = path.find('/', start);
+        const std::string seg = path.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
+        if (seg == "..") {
+            if (!out.empty()) out.pop_back();
+        } else if (!seg.empty() && seg != ".") {
+            out.push_back(seg);
+        }
+        if (slash == std::string::npos) break;
+        start = slash + 1;
+    }
+    std::string joined;
+    for (const auto& s : out) joined += (joined.empty() ? "" : "/") + s;
+    return joined;
+}
+
+std::string Folder(const std::string& part) {
+    const auto slash = part.rfind('/');
+    return slash == std::string::npos ? "" : part.substr(0, slash + 1);
+}
+
+std::string RelsOf(const std::string& part) {
+    const auto slash = part.rfind('/');
+    return slash == std::string::npos ? "_rels/" + part + ".rels"
+                                      : part.substr(0, slash + 1) + "_rels/" + part.substr(slash + 1) + ".rels";
+}
+
+struct Rel {
+    std::string id, type, target;
+};
+
+std::vector<Rel> ReadRels(pugi::xml_document& doc, const std::string& folder) {
+    std::vector<Rel> rels;
+    for (auto r = doc.document_element().first_child(); r; r = r.next_sibling()) {
+        if (r.type() != pugi::node_element || LocalName(r) != "Relationship") continue;
+        if (std::string_view(r.attribute("TargetMode").value()) == "External") continue;
+        rels.push_back({r.attribute("Id").value(), r.attribute("Type").value(),
+                        ResolveTarget(folder, r.attribute("Target").value())});
+    }
+    return rels;
+}
+
+}  // namespace
+
+struct Workbook::State {
+    std::unique_ptr<Package> pkg;
+    std::string file, book_part, book_rels_part, calc_chain_part, calc_chain_id;
+    pugi::xml_document book, book_rels;
+    std::vector<std::unique_ptr<Sheet>> sheets;
+};
+
+std::unique_ptr<Workbook::State> Workbook::Load(std::string bytes, std::string file) {
+    auto s = std::make_unique<State>();
+    s->file = file;
+    s->pkg = std::make_unique<Package>(std::move(bytes), file);
+    Package& pkg = *s->pkg;
+    auto not_a_book = [&] {
+        raise("\"" + file + "\" no es un libro de Excel: es un archivo zip sin hoja de cálculo. El archivo no se modificó.");
+    };
+
+    // The package's relationships name its main part; xl/workbook.xml is where it always is.
+    if (!pkg.Find("_rels/.rels").empty()) {
+        pugi::xml_document rels;
+        ParseXml(rels, pkg.Read("_rels/.rels"), file, "_rels/.rels");
+        for (const auto& r : ReadRels(rels, ""))
+            if (EndsWith(r.type, "/officeDocument")) s->book_part = r.target;
+    }
+    if (s->book_part.empty() || pkg.Find(s->book_part).empty()) s->book_part = "xl/workbook.xml";
+    if (pkg.Find(s->book_part).empty()) not_a_book();
+    s->book_part = pkg.Find(s->book_part);
+    ParseXml(s->book, pkg.Read(s->book_part), file, s->book_part);
+    if (LocalName(s->book.document_element()) != "workbook") not_a_book();
+
+    std::vector<Rel> rels;
+    s->book_rels_part = RelsOf(s->book_part);
+    if (!pkg.Find(s->book_rels_part).empty()) {
+        s->book_rels_part = pkg.Find(s->book_rels_part);
+        ParseXml(s->book_rels, pkg.Read(s->book_rels_part), file, s->book_rels_part);
+        rels = ReadRels(s->book_rels, Folder(s->book_part));
+    }
+    std::vector<std::string> strings;
+    for (const auto& r : rels) {
+        if (EndsWith(r.type, "/sharedStrings") && !pkg.Find(r.target).empty()) {
+            pugi::xml_document sst;
+            const std::string part = pkg.Find(r.target);
+            ParseXml(sst, pkg.Read(part), file, part);
+            for (auto si = sst.document_element().first_child(); si; si = si.next_sibling())
+                if (si.type() == pugi::node_element && LocalName(si) == "si") strings.push_back(ItemText(si));
+        } else if (EndsWith(r.type, "/calcChain")) {
+            s->calc_chain_part = pkg.Find(r.target);
+            s->calc_chain_id = r.id;
+        }
+    }
+
+    for (auto sh = Child(Child(s->book.document_element(), "sheets"), "sheet"); sh; sh = sh.next_sibling()) {
+        if (sh.type() != pugi::node_element || LocalName(sh) != "sheet") continue;
+        const std::string name = sh.attribute("name").value();
+        const std::string id = Attr(sh, "id").value();
+        const Rel* rel = nullptr;
+        for (const auto& r : rels)
+            if (r.id == id) rel = &r;
+        if (!rel)
+            raise("El libro \"" + file + "\" está dañado: la hoja \"" + name +
+                  "\" no tiene su parte en el paquete. El archivo no se modificó.");
+        if (!EndsWith(rel->type, "/worksheet")) continue;  // chart and dialog sheets hold no cells
+        const std::string part = pkg.Find(rel->target);
+        if (part.empty())
+            raise("El libro \"" + file + "\" está dañado: falta la parte " + rel->target + " de la hoja \"" + name +
+                  "\". El archivo no se modificó.");
+        s->sheets.push_back(std::make_unique<Sheet>(name, part, pkg.Read(part), strings, file));
+    }
+    return s;
+}
+
+Workbook::Workbook(std::unique_ptr<State> s) : s_(std::move(s)) { path_ = s_->file; }
+Workbook::~Workbook() = default;
+
+std::unique_ptr<Workbook> Workbook::FromBytes(std::string bytes, std::string file) {
+    return std::unique_ptr<Workbook>(new Workbook(Load(std::move(bytes), std::move(file))));
+}
+
+std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
+    const std::string file = path.string();
+    auto fail = [&](const std::string& why) { raise(why + " El archivo no se modificó."); };
+    struct stat st {};
+    if (::stat(path.c_str(), &st) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR) raise("No se encuentra el libro \"" + file + "\".");
+        fail("No se puede abrir el libro \"" + file + "\": " + SystemReason(errno) + ".");
+    }
+    if (S_ISDIR(st.st_mode)) raise("\"" + file + "\" es una carpeta, no un libro de Excel.");
+    if (!S_ISREG(st.st_mode)) raise("\"" + file + "\" no es un archivo común, no es un libro de Excel.");
+    if (static_cast<std::uint64_t>(st.st_size) > kMaxFileBytes)
+        fail("El libro \"" + file + "\" es demasiado grande (" + std::to_string(st.st_size >> 20) +
+             " MB); Cauce lee libros de hasta " + std::to_string(kMaxFileBytes >> 20) + " MB.");
+
+    const int fd = ::open(path.c_str(), O_RDONLY);
+    if (fd < 0) {
+        const int err = errno;
+        fail("No se puede leer el libro \"" + file + "\": " +
+             (err == EACCES ? std::string("no hay permiso de lectura") : SystemReason(err)) + ".");
+    }
+    std::string bytes;
+    char buf[65536];
+    for (;;) {
+        const ssize_t n = ::read(fd, buf, sizeof buf);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) {
+            const int err = errno;
+            ::close(fd);
+            fail("No se puede leer el libro \"" + file + "\": " + SystemReason(err) + ".");
+        }
+        if (n == 0) break;
+        bytes.append(buf, static_cast<std::size_t>(n));
+        if (bytes.size() > kMaxFileBytes) {
+            ::close(fd);
+            fail("El libro \"" + file + "\" es demasiado grande.");
+        }
+    }
+    ::close(fd);
+
+    static const char kZip[] = "PK\x03\x04";
+    static const char kCompound[] = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+    std::unique_ptr<Workbook> wb;
+    if (bytes.empty()) {
+        raise("\"" + file + "\" está vacío: no es un libro de Excel. El archivo no se modificó.");
+    } else if (bytes.compare(0, 4, kZip, 4) == 0) {
+        wb = FromBytes(std::move(bytes), file);
+    } else if (bytes.compare(0, 8, kCompound, 8) == 0) {
+        // The old binary format (an .xlsx protected with a password is such a file too, and freexl says so).
+        wb.reset(new Workbook(Load(LegacyPackage(path), file)));
+        wb->legacy_ = true;
+    } else {
+        raise("\"" + file + "\" no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.");
+    }
+    wb->on_disk_ = true;
+    wb->disk_size_ = st.st_size;
+    wb->disk_mtime_ = static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec;
+    return wb;
+}
+
+std::vector<std::string> Workbook::SheetNames() const {
+    std::vector<std::string> names;
+    for (const auto& sh : s_->sheets) names.push_back(sh->Name());
+    return names;
+}
+
+Sheet* Workbook::FindSheet(std::string_view name) {
+    for (const auto& sh : s_->sheets)
+        if (sh->Name() == name) return sh.get();
+    return nullptr;
+}
+
+bool Workbook::Modified() const {
+    for (const auto& sh : s_->sheets)
+        if (sh->Modified()) return true;
+    return false;
+}
+
+std::string Workbook::Bytes() {
+    if (!Modified()) return s_->pkg->Bytes();
+    std::map<std::string, std::string> replaced;
+    std::set<std::string> removed;
+    bool formulas = false, removed_formula = false;
+    for (const auto& sh : s_->sheets) {
+        formulas = formulas || sh->HasFormulas();
+        removed_formula = removed_formula || sh->RemovedFormula();
+        if (sh->Modified()) replaced[sh->Part()] = sh->Xml();
+    }
+    pugi::xml_node book = s_->book.document_element();
+    if (formulas) {
+        // Cached results of formulas may now be stale: spreadsheet programs recompute on opening.
+        pugi::xml_node calc = Child(book, "calcPr");
+        if (!calc) {
+            pugi::xml_node before;
+            for (auto n = book.first_child(); n && !before; n = n.next_sibling()) {
+                const std::string_view l = LocalName(n);
+                for (const char* later : {"oleSize", "customWorkbookViews", "pivotCaches", "smartTagPr", "smartTagTypes",
+                                          "webPublishing", "fileRecoveryPr", "webPublishObjects", "extLst"})
+                    if (l == later) before = n;
+            }
+            const std::string name = Prefix(book) + "calcPr";
+            calc = before ? book.insert_child_before(name.c_str(), before) : book.append_child(name.c_str());
+        }
+        if (!calc.attribute("fullCalcOnLoad")) calc.append_attribute("fullCalcOnLoad");
+        calc.attribute("fullCalcOnLoad").set_value("1");
+        replaced[s_->book_part] = WriteXml(s_->book);
+    }
+    if (removed_formula && !s_->calc_chain_part.empty()) {
+        // The calculation chain lists formula cells; one that lists a cell without a formula is an
+        // error to Excel. Without the chain Excel builds it again.
+        removed.insert(s_->calc_chain_part);
+        for (auto r = s_->book_rels.document_element().first_child(); r; r = r.next_sibling())
+            if (s_->calc_chain_id == r.attribute("Id").value()) {
+                s_->book_rels.document_element().remove_child(r);
+                break;
+            }
+        replaced[s_->book_rels_part] = WriteXml(s_->book_rels);
+        pugi::xml_document types;
+        const std::string part = s_->pkg->Find("[Content_Types].xml");
+        ParseXml(types, s_->pkg->Read(part), s_->file, part);
+        for (auto o = types.document_element().first_child(); o; o = o.next_sibling())
+            if (LocalName(o) == "Override" && std::string_view(o.attribute("PartName").value()) == "/" + s_->calc_chain_part) {
+                types.document_element().remove_child(o);
+                break;
+            }
+        replaced[part] = WriteXml(types);
+    }
+    return s_->pkg->Write(replaced, removed);
+}
+
+std::string Workbook::Save() {
+    if (!Modified()) return "";
+    if (!on_disk_) raise("El libro \"" + path_ + "\" no está en el disco: no se puede guardar.");
+    std::string note;
+    fs::path target = path_;
+    if (legacy_) {
+        // The old file stays as it is; the changes go to an .xlsx of the same name beside it.
+        target.replace_extension(".xlsx");
+        for (int n = 2; fs::exists(target) && n < 100; ++n)
+            target.replace_filename(fs::path(path_).stem().string() + " (" + std::to_string(n) + ").xlsx");
+        if (fs::exists(target))
+            raise("No se pudo guardar el libro \"" + path_ + "\": ya existen demasiadas copias .xlsx junto a él.");
+        note = "El libro \"" + path_ + "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se "
+               "guardaron en \"" + target.string() + "\".";
+    } else {
+        struct stat st {};
+        const long long mtime = ::stat(path_.c_str(), &st) == 0
+                                    ? static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec
+                                    : -1;
+        if (mtime != disk_mtime_ || st.st_size != disk_size_)
+            raise("No se pudo guardar el libro \"" + path_ + "\": otro programa lo cambió después de que Cauce lo "
+                  "abriera. El libro no se modificó; ábralo de nuevo en Cauce para seguir.");
+    }
+    std::string bytes = Bytes();
+    ReplaceFile(target, bytes);
+    // From now on the workbook is the file just written.
+    s_ = Load(std::move(bytes), target.string());
+    path_ = target.string();
+    legacy_ = false;
+    struct stat st {};
+    if (::stat(path_.c_str(), &st) == 0) {
+        disk_size_ = st.st_size;
+        disk_mtime_ = static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec;
+    }
+    return note;
+}
+
+}  // namespace cauce::workbook
