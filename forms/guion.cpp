@@ -1,5 +1,6 @@
 #include "forms/guion.hpp"
 
+#include <functional>
 #include <istream>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -12,6 +13,8 @@ namespace cauce::forms {
 std::string StateJson(const Screen& screen) {
     nlohmann::ordered_json j = nlohmann::ordered_json::object();
     for (const auto& c : screen.Controls()) j[c.name] = c.text;
+    if (screen.Source()) j["registro"] = screen.RecordPosition();
+    if (!screen.Notice().empty()) j["aviso"] = screen.Notice();
     if (screen.LastError()) j["error"] = *screen.LastError();
     return j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
@@ -38,6 +41,18 @@ int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const Scre
         err << "guion: línea " << number << ": " << why << "\n";
         return 2;
     };
+    // A workbook operation: its fault ends the run with status 1 (the file is as it was); what it
+    // has to tell the user goes to the error stream as well as into the "aviso" key.
+    auto workbook = [&](const std::function<void()>& op) {
+        try {
+            op();
+        } catch (const Fault& f) {
+            err << "guion: línea " << number << ": " << f.what() << "\n";
+            return false;
+        }
+        if (!screen->Notice().empty()) err << "guion: línea " << number << ": " << screen->Notice() << "\n";
+        return true;
+    };
     while (std::getline(in, raw)) {
         ++number;
         if (!raw.empty() && raw.back() == '\r') raw.pop_back();
@@ -47,7 +62,7 @@ int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const Scre
         const Line line = Split(raw);
 
         if (line.verb == "pantalla") {
-            if (screen) screen->SavePending();
+            if (screen && !workbook([&] { screen->SavePending(); })) return 1;
             auto next = make(line.rest);
             if (!next) return fail("pantalla desconocida: \"" + line.rest + "\" (Form1 a Form5)");
             screen = std::move(next);
@@ -68,48 +83,38 @@ int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const Scre
             if (!c) return fail("control desconocido: \"" + line.rest + "\"");
             if (c->kind != Kind::CommandButton) return fail(line.rest + " no es un botón");
             screen->Click(line.rest);
-            if (screen->Closed()) {
-                try {
-                    screen->SavePending();
-                } catch (const Fault& f) {
-                    err << "guion: " << f.what() << "\n";
-                    return 1;
-                }
-                return 0;
-            }
+            if (screen->Closed()) return workbook([&] { screen->SavePending(); }) ? 0 : 1;
         } else if (line.verb == "mostrar") {
             if (!line.rest.empty()) return fail("\"mostrar\" no lleva argumentos");
             out << StateJson(*screen) << "\n";
         } else if (line.verb == "libro") {
             if (!screen->HasData()) return fail(screen->Name() + " no tiene libro de datos (Data1)");
-            try {
-                screen->OpenWorkbook(line.rest);
-            } catch (const Fault& f) {
-                err << "guion: línea " << number << ": " << f.what() << "\n";
-                return 1;
-            }
+            if (line.rest.empty()) return fail("falta la ruta del libro (libro RUTA)");
+            if (!workbook([&] { screen->OpenWorkbook(line.rest); })) return 1;
         } else if (line.verb == "registro") {
             if (!screen->HasData()) return fail(screen->Name() + " no tiene libro de datos (Data1)");
-            const auto p = line.rest.find_first_not_of("0123456789");
-            if (line.rest.empty() || p != std::string::npos) return fail("número de registro no válido: \"" + line.rest + "\"");
-            try {
-                screen->MoveTo(std::stoi(line.rest.substr(0, 9)));
-            } catch (const Fault& f) {
-                err << "guion: línea " << number << ": " << f.what() << "\n";
-                return 1;
+            std::function<void()> move;
+            if (line.rest == "primero") {
+                move = [&] { screen->MoveFirst(); };
+            } else if (line.rest == "anterior") {
+                move = [&] { screen->MovePrevious(); };
+            } else if (line.rest == "siguiente") {
+                move = [&] { screen->MoveNext(); };
+            } else if (line.rest == "último" || line.rest == "ultimo") {
+                move = [&] { screen->MoveLast(); };
+            } else {
+                const auto p = line.rest.find_first_not_of("0123456789");
+                if (line.rest.empty() || p != std::string::npos || line.rest.size() > 9)
+                    return fail("número de registro no válido: \"" + line.rest + "\"");
+                const int n = std::stoi(line.rest);
+                move = [&screen, n] { screen->MoveTo(n); };
             }
+            if (!workbook(move)) return 1;
         } else {
             return fail("orden desconocida: \"" + line.verb + "\" (pantalla, escribir, oprimir, libro, registro, mostrar)");
         }
     }
-    if (screen) {
-        try {
-            screen->SavePending();
-        } catch (const Fault& f) {
-            err << "guion: " << f.what() << "\n";
-            return 1;
-        }
-    }
+    if (screen && !workbook([&] { screen->SavePending(); })) return 1;
     return 0;
 }
 

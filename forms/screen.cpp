@@ -1,5 +1,6 @@
 #include "forms/screen.hpp"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "forms/val.hpp"
@@ -83,49 +84,82 @@ std::optional<std::string> Screen::Click(std::string_view name) {
 
 int Screen::RecordCount() const { return source_ ? source_->RecordCount() : 0; }
 
+std::string Screen::RecordPosition() const {
+    if (!source_) return "";
+    return std::to_string(record_) + " de " + std::to_string(source_->RecordCount());
+}
+
 void Screen::OpenWorkbook(const std::string& path) {
     if (!HasData()) raise("Esta pantalla no tiene libro de datos");
     if (!g_opener) raise("No se pueden abrir libros en esta versión");
     auto source = g_opener(path, sheet_);  // throws Fault with the reason; nothing changes then
-    if (source_ && dirty_) SavePending();
+    if (source_ && dirty_) SavePending();  // the record left in the other workbook
     source_ = std::move(source);
-    workbook_path_ = path;
+    workbook_path_ = source_->Path();
     dirty_ = false;
     record_ = source_->RecordCount() > 0 ? 1 : 0;
     Fill();
+
+    // A column the sheet lacks leaves its box unbound; the user is told which.
+    std::vector<std::string> missing;
+    for (const auto& c : controls_)
+        if (c.kind == Kind::TextBox && !c.column.empty() && !source_->HasColumn(c.column) &&
+            std::find(missing.begin(), missing.end(), c.column) == missing.end())
+            missing.push_back(c.column);
+    notice_.clear();
+    save_note_.clear();
+    if (!missing.empty()) {
+        std::string names;
+        for (const auto& m : missing) names += (names.empty() ? "\"" : ", \"") + m + "\"";
+        notice_ = "La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene " +
+                  (missing.size() == 1 ? "la columna " : "las columnas ") + names + ": " +
+                  (missing.size() == 1 ? "su cuadro queda sin enlazar." : "sus cuadros quedan sin enlazar.");
+    }
 }
 
 void Screen::Fill() {
-    if (!source_ || record_ < 1) return;
+    if (!source_) return;
     filling_ = true;
-    for (auto& c : controls_)
-        if (c.kind == Kind::TextBox && !c.column.empty() && source_->HasColumn(c.column))
-            c.text = source_->Get(record_, c.column);
+    filled_.clear();
+    for (auto& c : controls_) {
+        if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;
+        c.text = record_ >= 1 ? source_->Get(record_, c.column) : "";  // a sheet without records shows none
+        filled_[c.name] = c.text;
+    }
     filling_ = false;
     dirty_ = false;
 }
 
 void Screen::WriteRecord() {
-    for (const auto& c : controls_)
-        if (c.kind == Kind::TextBox && !c.column.empty() && source_->HasColumn(c.column))
-            source_->Set(record_, c.column, c.text);
+    for (const auto& c : controls_) {
+        if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;
+        const auto it = filled_.find(c.name);
+        if (it != filled_.end() && it->second == c.text) continue;
+        source_->Set(record_, c.column, c.text);
+    }
 }
 
 std::string Screen::SavePending() {
     save_note_.clear();
     if (!source_ || !dirty_ || record_ < 1) return save_note_;
     WriteRecord();
-    save_note_ = source_->Save();
+    save_note_ = source_->Save();  // throws Fault; the record stays pending and the file as it was
+    workbook_path_ = source_->Path();
+    for (const auto& c : controls_)
+        if (filled_.count(c.name)) filled_[c.name] = c.text;
     dirty_ = false;
+    notice_ = save_note_;
     return save_note_;
 }
 
 void Screen::MoveTo(int record) {
     if (!source_) raise("No hay un libro abierto en esta pantalla");
     const int count = source_->RecordCount();
+    if (count == 0) raise("La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene registros");
     if (record < 1 || record > count)
         raise("El registro " + std::to_string(record) + " no existe: la hoja tiene " + std::to_string(count) +
               " registros");
+    notice_.clear();
     SavePending();
     record_ = record;
     Fill();

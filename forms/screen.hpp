@@ -45,19 +45,26 @@ public:
     const std::string& Sheet() const { return sheet_; }
     void OpenWorkbook(const std::string& path);  // shows the first record
     void MoveTo(int record);                      // 1-based; saves the record left
+    // The navigator's arrows: at either end of the sheet they stay on its first or last record.
     void MoveFirst() { MoveTo(1); }
-    void MovePrevious() { MoveTo(record_ - 1); }
-    void MoveNext() { MoveTo(record_ + 1); }
+    void MovePrevious() { MoveTo(record_ > 1 ? record_ - 1 : 1); }
+    void MoveNext() { MoveTo(record_ < RecordCount() ? record_ + 1 : RecordCount()); }
     void MoveLast() { MoveTo(RecordCount()); }
     int Record() const { return record_; }
     int RecordCount() const;
+    // "3 de 12": the record position the navigator shows beside Data1's caption ("" with no workbook).
+    std::string RecordPosition() const;
     bool Dirty() const { return dirty_; }
     // Saves the current record's pending edits (closing the screen, "Salir"); returns the save's note.
     std::string SavePending();
+    // The file behind Data1 (the .xlsx written beside a legacy .xls once it has been saved).
     const std::string& WorkbookPath() const { return workbook_path_; }
     const RecordSource* Source() const { return source_.get(); }
     // Message of the last workbook save, if it had one to give ("" otherwise).
     const std::string& SaveNote() const { return save_note_; }
+    // What the last workbook operation has to tell the user, "" when nothing: the bound columns the
+    // sheet lacks (their boxes stay unbound) after opening, the save's note after saving.
+    const std::string& Notice() const { return notice_; }
 
 protected:
     void Add(Control c);
@@ -87,6 +94,10 @@ private:
     bool dirty_ = false;
     bool filling_ = false;
     std::string save_note_;
+    std::string notice_;
+    // Text of each bound box as the current record filled it: only boxes changed since are written
+    // back, so that of two boxes bound to one column ("Abscisa9") the one edited wins.
+    std::map<std::string, std::string, std::less<>> filled_;
 };
 
 }  // namespace cauce::forms
