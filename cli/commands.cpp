@@ -1,8 +1,16 @@
 #include "cli/commands.hpp"
 
+#ifdef CAUCE_HAS_WORKBOOK
+#include "workbook/install.hpp"
+#endif
+
 namespace cauce::cli {
 
-void InstallWorkbooks() {}
+void InstallWorkbooks() {
+#ifdef CAUCE_HAS_WORKBOOK
+    workbook::Install();
+#endif
+}
 void AddCommands(CLI::App&) {}
 int RunCommand(CLI::App&) { return 0; }
 
