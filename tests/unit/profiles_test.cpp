@@ -73,7 +73,7 @@ TEST(ProfileSection, VelocityFrictionSlopeAndEnergyOfARectangle) {
         EXPECT_NEAR(st.A(1), kB * y, 1e-12) << y;
         EXPECT_NEAR(st.P, kB + 2 * y, 1e-12) << y;
     }
-    // At the normal depth of Manning's equation the friction slope is the bed slope: Q = A R^(2/3) S^(1/2) / n.
+    // At the normal depth of Manning's equation the friction slope is the bed slope.
     st.Y = 1.23137;
     EXPECT_NEAR(pf::EvaluateSection(st, 1).Sf, kS0, 5e-9);
 }
@@ -97,7 +97,8 @@ TEST(ProfileMarches, WhereEachMarchStops) {
         {"M1, one step covers the reach", false, 2.0, dx1 / 2, "M1", 1.995, HandEval(2.0).v},
         {"M1, the second step covers it", false, 2.0, dx1 + dx2 / 2, "M1", 1.990, HandEval(1.995).v},
         {"M1, a long reach reaches Yn", false, 2.0, 1e6, "M1", kYn, HandEval(1.235).v},
-        {"M2 takes the bed slope of element 0", false, 0.9, (m2_s00 + m2_s0k) / 2, "M2", 0.910, HandEval(0.905).v},
+        {"M2 takes the bed slope of element 0", false, 0.9, (m2_s00 + m2_s0k) / 2, "M2", 0.910,
+         HandEval(0.905).v},
         {"M2, a long reach reaches Yn", false, 0.9, 1e6, "M2", kYn, HandEval(1.230).v},
         {"S1, a long reach stops at Yc", true, 1.2, 1e6, "S1", kYc, kSentinel},
         {"S1 within 0.025 of Yc: one evaluation, then Yc", true, kYc + 0.024, 50, "S1", kYc, kSentinel},
@@ -126,7 +127,7 @@ TEST(ProfileMarches, WhereEachMarchStops) {
             EXPECT_EQ(st.A(2), kSentinel) << c.name << ": S2 evaluates nothing";
         }
         if (c.length >= 1e6 && (c.tipo == "M1" || c.tipo == "S1")) {
-            // The final depth is a whole number of 5 mm steps from the start, or the limit itself.
+            // A march stopped by its limit hands over the limit depth itself, not the stepped one.
             EXPECT_EQ(st.Ysec(1), c.tipo == "M1" ? kYn : kYc) << c.name;
         }
     }
