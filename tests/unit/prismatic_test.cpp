@@ -1,0 +1,478 @@
+// Prismatic channels and circular conduits in uniform flow. Expected values come from closed forms,
+// hand calculations, a bisection of Manning's equation written here on the exact section (pi, 2/3)
+// and the textbook hydraulic elements of a circular section; the searches are then expected on their
+// grids, with the depth reported one step past the last one evaluated, as the screen reports it.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "forms/format.hpp"
+#include "hydraulics/prismatic/state.hpp"
+
+using cauce::Fault;
+using cauce::prismatic::ConduitFigure;
+using cauce::prismatic::FloodStatus;
+using cauce::prismatic::SectionType;
+using cauce::prismatic::State;
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+// Root of f on [a, b] by bisection (f(a) < 0 < f(b)).
+double Bisect(const std::function<double(double)>& f, double a, double b) {
+    EXPECT_LT(f(a), 0);
+    EXPECT_GT(f(b), 0);
+    for (int it = 0; it < 200; ++it) {
+        const double mid = (a + b) / 2;
+        (f(mid) < 0 ? a : b) = mid;
+    }
+    return (a + b) / 2;
+}
+
+double Manning(double area, double perimeter, double n, double s) {
+    return std::sqrt(s) / n * std::pow(area, 5.0 / 3.0) / std::pow(perimeter, 2.0 / 3.0);
+}
+
+// The exact circle at depth y: central angle theta = 2 acos(1 - 2 y / D).
+struct Circle {
+    double A, P, T;
+};
+Circle ExactCircle(double D, double y) {
+    const double theta = 2 * std::acos(1 - 2 * y / D);
+    return {D * D / 8 * (theta - std::sin(theta)), D * theta / 2, D * std::sin(theta / 2)};
+}
+
+State Channel(double n, double S, double b, double z) {
+    State st;
+    st.n = n;
+    st.S = S;
+    st.b = b;
+    st.z = z;
+    return st;
+}
+
+State Conduit(double n, double S, double D) {
+    State st;
+    st.n = n;
+    st.S = S;
+    st.D = D;
+    return st;
+}
+
+double TrapezoidQ(const State& st, double y) {
+    return Manning((st.b + st.z * y) * y, st.b + 2 * y * std::sqrt(1 + st.z * st.z), st.n, st.S);
+}
+
+}  // namespace
+
+TEST(PrismaticSection, TypeFromBottomWidthAndSideSlope) {
+    struct Case {
+        double b, z;
+        SectionType type;
+    };
+    const Case cases[] = {
+        {2, 1, SectionType::Trapezoidal},
+        {0, 1.5, SectionType::Triangular},
+        {2, 0, SectionType::Rectangular},
+        {0, 0, SectionType::Rectangular},  // the later test wins; the callers refuse b + z = 0
+    };
+    for (const auto& c : cases) EXPECT_EQ(Channel(0.015, 0.001, c.b, c.z).Datos(), c.type) << c.b << " " << c.z;
+}
+
+TEST(PrismaticNormal, NormalDepthMatchesABisectionOfManning) {
+    struct Case {
+        const char* what;
+        double n, S, b, z, Q;
+    };
+    const Case cases[] = {
+        {"rectangle b 2, Q 1", 0.015, 0.001, 2, 0, 1},
+        {"trapezoid b 3, z 1.5", 0.015, 0.0008, 3, 1.5, 10},
+        {"triangle z 2 (W = z y)", 0.013, 0.002, 0, 2, 1.5},
+        {"wide earth channel", 0.03, 0.0005, 20, 2, 80},
+        {"small steep channel", 0.012, 0.05, 0.5, 0.5, 0.2},
+    };
+    for (const auto& c : cases) {
+        State st = Channel(c.n, c.S, c.b, c.z);
+        st.Q = c.Q;
+        st.Normal();
+        const double root = Bisect([&](double y) { return TrapezoidQ(st, y) - c.Q; }, 1e-6, 50);
+        EXPECT_NEAR(st.Yn, root, 2e-4) << c.what;
+        const double area = (c.b + c.z * root) * root, top = c.b + 2 * c.z * root;
+        EXPECT_NEAR(st.T, top, 1e-3) << c.what;
+        EXPECT_NEAR(st.Vn, c.Q / area, 1e-3 * c.Q / area) << c.what;
+        EXPECT_NEAR(st.F, c.Q / area / std::sqrt(9.81 * area / top), 1e-3) << c.what;
+    }
+}
+
+TEST(PrismaticNormal, DischargeForADepthByHand) {
+    // Rectangle b 2 at 1 m: A 2, P 4, R 0.5. Trapezoid b 3, z 1.5 at 1.2 m: A 5.76, P 7.32666.
+    // Triangle z 2 at 0.5 m: A 0.5, P 2.23607.
+    struct Case {
+        double n, S, b, z, y, Q, T;
+    };
+    const Case cases[] = {
+        {0.015, 0.001, 2, 0, 1, 2.656147, 2},
+        {0.015, 0.001, 3, 1.5, 1.2, 10.343689, 6.6},
+        {0.013, 0.002, 0, 2, 0.5, 0.633673, 2},
+    };
+    for (const auto& c : cases) {
+        State st = Channel(c.n, c.S, c.b, c.z);
+        st.Yn = c.y;
+        st.Normal2();
+        EXPECT_NEAR(st.Q, c.Q, 1e-6);
+        EXPECT_DOUBLE_EQ(st.T, c.T);
+        const double area = (c.b + c.z * c.y) * c.y;
+        EXPECT_NEAR(st.Vn, c.Q / area, 1e-6);
+        EXPECT_NEAR(st.F, c.Q / area / std::sqrt(9.81 * area / c.T), 1e-6);
+    }
+}
+
+TEST(PrismaticCritica, CriticalDepthMatchesTheClosedForms) {
+    struct Case {
+        const char* what;
+        double b, z, Q, yc;
+    };
+    const double q = 2.0;
+    const Case cases[] = {
+        // Rectangle: yc = (Q^2 / (g b^2))^(1/3) = 0.4671 m.
+        {"rectangle b 2, Q 2", 2, 0, q, std::cbrt(q * q / (9.81 * 4))},
+        // Triangle: A = z y^2, T = 2 z y, so yc = (2 Q^2 / (g z^2))^(1/5).
+        {"triangle z 2, Q 1.5", 0, 2, 1.5, std::pow(2 * 1.5 * 1.5 / (9.81 * 4), 0.2)},
+        {"trapezoid b 3, z 1.5, Q 10", 3, 1.5, 10,
+         Bisect([](double y) { return 9.81 * std::pow((3 + 1.5 * y) * y, 3) - 100 * (3 + 3 * y); }, 1e-6, 10)},
+    };
+    for (const auto& c : cases) {
+        State st = Channel(0.015, 0.001, c.b, c.z);
+        st.Qc = c.Q;
+        st.Critica();
+        EXPECT_NEAR(st.Yc, c.yc, 2e-4) << c.what;
+        EXPECT_NEAR(st.Vc, c.Q / ((c.b + c.z * c.yc) * c.yc), 2e-3) << c.what;
+    }
+    State st = Channel(0.015, 0.001, 2, 0);
+    st.Qc = 2;
+    st.Critica();
+    EXPECT_EQ(cauce::forms::Format(st.Yc, "0.00"), "0.47");
+}
+
+TEST(PrismaticLleno, BankFullValuesKeepTheTopWidthInSinglePrecision) {
+    static_assert(std::is_same_v<decltype(State::Tb), float>);
+    // b 2.045, z 0.4, h 1: Tb = 2.845, which single precision holds as 2.8450000286.
+    State st = Channel(0.015, 0.001, 2.045, 0.4);
+    st.h = 1;
+    st.Lleno();
+    EXPECT_EQ(st.Tb, 2.845f);
+    EXPECT_DOUBLE_EQ(st.Ab, 2.445);
+    EXPECT_NEAR(st.Qb, Manning(2.445, 2.045 + 2 * std::sqrt(1.16), 0.015, 0.001), 1e-12);
+    // The flood zone's width carries the rounding: 10 - Tb shows 7.15, not the 7.16 of 10 - 2.845.
+    st.Bz = 10;
+    EXPECT_EQ(cauce::forms::Format(st.Bz - st.Tb, "0.00"), "7.15");
+}
+
+TEST(PrismaticConduit, GeometryAgainstTheExactCircle) {
+    const double D = 1.5;
+    for (double ratio : {0.05, 0.25, 0.5, 0.75, 0.94}) {
+        State st = Conduit(0.013, 0.001, D);
+        st.y = ratio * D;
+        const double q = st.Geometria();
+        const Circle c = ExactCircle(D, st.y);
+        // The angle constants 1.5708 and 3.1416 differ from pi / 2 and pi by a few parts in 1e6.
+        EXPECT_NEAR(st.A / c.A, 1, 1e-4) << ratio;
+        EXPECT_NEAR(st.P / c.P, 1, 1e-4) << ratio;
+        EXPECT_NEAR(st.T / c.T, 1, 1e-4) << ratio;
+        EXPECT_NEAR(st.Dh, st.A / st.T, 1e-12) << ratio;
+        EXPECT_NEAR(q / Manning(c.A, c.P, 0.013, 0.001), 1, 1e-4) << ratio;
+    }
+    // Half full: x = 0 gives the angle 1.5708 itself.
+    State half = Conduit(0.013, 0.001, D);
+    half.y = D / 2;
+    half.Geometria();
+    EXPECT_DOUBLE_EQ(half.A, (1.5708 - std::sin(1.5708) * std::cos(1.5708)) * D * D / 4);
+    EXPECT_DOUBLE_EQ(half.P, D * 1.5708);
+}
+
+TEST(PrismaticConduit, FullDepthUsesTheFullDischargeAndAMinimalSine) {
+    State st = Conduit(0.013, 0.001, 1);
+    st.Qlleno = 0.75;  // as Maximo or Clleno left it
+    st.Dh = -1;        // left as it was
+    st.y = 1;
+    EXPECT_EQ(st.Geometria(), 0.75);
+    EXPECT_EQ(st.Dh, -1);
+    // sin^2 becomes 0.0001: the half angle is atan(0.01 / -1) + 3.1416.
+    const double alpha = std::atan(-0.01) + 3.1416;
+    EXPECT_DOUBLE_EQ(st.P, alpha);
+    EXPECT_NEAR(st.A, kPi / 4, 2e-3);  // close to, not exactly, the full circle
+}
+
+TEST(PrismaticConduit, TextbookHydraulicElements) {
+    // Q full = 0.3117 / n D^(8/3) sqrt(S); Q / Qfull = 0.5 and V / Vfull = 1 half full; the largest
+    // discharge, near 0.94 D, is 1.076 Qfull; the largest velocity, 1.14 Vfull, near 0.81 D, where
+    // Q / Qfull = (A / Afull) (R / Rfull)^(2/3) = 0.8677 x 1.2172^(2/3) = 0.989.
+    const double n = 0.013, S = 0.002, D = 1.2;
+    State st = Conduit(n, S, D);
+    st.Maximo();
+    EXPECT_NEAR(st.Qlleno / (0.3117 / n * std::pow(D, 8.0 / 3.0) * std::sqrt(S)), 1, 2e-4);
+    EXPECT_NEAR(st.Vlleno, st.Qlleno / (kPi * D * D / 4), 1e-4);
+    EXPECT_NEAR(st.Qm / st.Qlleno, 1.076, 0.001);
+    struct Element {
+        double y_over_d, q_ratio_lo, q_ratio_hi, v_ratio;
+    };
+    for (const Element& e : {Element{0.5, 0.499, 0.501, 1.00}, Element{0.81, 0.985, 0.993, 1.14}}) {
+        st.y = e.y_over_d * D;
+        const double q = st.Geometria();
+        EXPECT_GT(q / st.Qlleno, e.q_ratio_lo) << e.y_over_d;
+        EXPECT_LT(q / st.Qlleno, e.q_ratio_hi) << e.y_over_d;
+        EXPECT_NEAR(q / st.A / st.Vlleno, e.v_ratio, 0.005) << e.y_over_d;
+    }
+}
+
+TEST(PrismaticConduit, NormalDepthMarchEndsOneStepPastTheRoot) {
+    const double n = 0.013, S = 0.001, D = 1;
+    for (double fraction : {0.05, 0.3, 0.5001, 0.9, 1.07}) {
+        State st = Conduit(n, S, D);
+        st.Maximo();
+        st.Q = fraction * st.Qlleno;
+        st.Circular();
+        const double root = Bisect(
+            [&](double y) {
+                const Circle c = ExactCircle(D, y);
+                return Manning(c.A, c.P, n, S) - st.Q;
+            },
+            1e-6, 0.938 * D);
+        // The last depth evaluated, Yn - 0.001, is the first whose discharge reaches Q.
+        EXPECT_GT(root, st.Yn - 0.002 - 1e-4) << fraction;
+        EXPECT_LE(root, st.Yn - 0.001 + 1e-4) << fraction;
+        // The results use the area and width of that last depth, not of Yn.
+        const Circle last = ExactCircle(D, st.Yn - 0.001);
+        EXPECT_NEAR(st.A / last.A, 1, 1e-4) << fraction;
+        const ConduitFigure figure = st.Final();
+        EXPECT_EQ(figure, st.Yn > 0.5 ? ConduitFigure::High : st.Yn > 0.3 ? ConduitFigure::Middle : ConduitFigure::Low);
+        EXPECT_NEAR(st.QQlleno, fraction, 1e-12);
+        EXPECT_NEAR(st.YnD, st.Yn, 1e-12);
+    }
+}
+
+TEST(PrismaticConduit, HalfTheFullDischargeStopsAtHalfTheDiameter) {
+    State st = Conduit(0.013, 0.001, 0.8);
+    st.Maximo();
+    const double area_at_maximum = st.A;  // Maximo evaluated the conduit at 0.94 D last
+    st.Q = st.Qlleno / 2;
+    st.Circular();
+    EXPECT_EQ(st.Yn, 0.4);
+    EXPECT_EQ(st.A, area_at_maximum);
+}
+
+TEST(PrismaticConduit, CriticalDepthMatchesABisectionOfFroude) {
+    struct Case {
+        const char* what;
+        double n, S, D, Q;
+        bool supercritical;
+    };
+    const Case cases[] = {
+        {"mild, Q 0.5 in D 1", 0.013, 0.001, 1, 0.5, false},
+        {"mild, small Q", 0.013, 0.001, 1, 0.02, false},
+        {"steep, Q 0.1 in D 0.5", 0.013, 0.05, 0.5, 0.1, true},
+        {"steep, Q 0.5 in D 0.8", 0.011, 0.02, 0.8, 0.5, true},
+    };
+    for (const auto& c : cases) {
+        State st = Conduit(c.n, c.S, c.D);
+        st.Maximo();
+        st.Q = c.Q;
+        st.Circular();
+        st.Final();
+        EXPECT_EQ(st.F > 1, c.supercritical) << c.what;
+        st.Criticac();
+        const double yc = Bisect(
+            [&](double y) {
+                const Circle e = ExactCircle(c.D, y);
+                return 1 - c.Q / e.A / std::sqrt(9.81 * e.A / e.T);
+            },
+            1e-6, 0.99 * c.D);
+        // The descent stops on the first supercritical depth and reports one step below it.
+        EXPECT_GT(yc, st.Yc + 0.001 - 1e-4) << c.what;
+        EXPECT_LE(yc, st.Yc + 0.002 + 1e-4) << c.what;
+        const Circle last = ExactCircle(c.D, st.Yc + 0.001);
+        EXPECT_NEAR(st.Vc, c.Q / last.A, 1e-3 * st.Vc) << c.what;
+    }
+}
+
+TEST(PrismaticConduit, FullConduit) {
+    const double n = 0.012, S = 0.004, D = 0.6;
+    State st = Conduit(n, S, D);
+    st.Clleno();
+    EXPECT_EQ(st.Q, st.Qlleno);
+    EXPECT_EQ(st.Yn, D);
+    EXPECT_NEAR(st.Q / (0.3117 / n * std::pow(D, 8.0 / 3.0) * std::sqrt(S)), 1, 2e-4);
+    EXPECT_NEAR(st.Vn, st.Q / (kPi * D * D / 4), 1e-5);
+    EXPECT_EQ(st.F, 0);
+}
+
+namespace {
+// Main channel b 2, z 1, bank height 1 (Ab 3, Pb 4.828, Tb 4), n 0.02, S 0.001.
+State BankedChannel(double Bz, double nz, double Q) {
+    State st = Channel(0.02, 0.001, 2, 1);
+    st.h = 1;
+    st.Bz = Bz;
+    st.nz = nz;
+    st.Lleno();
+    st.Q = Q;
+    return st;
+}
+
+// Channel plus flood zone at d over the banks, written out from the shapes.
+double OverBanks(const State& st, double d) {
+    const double am = 3 + d * (4 + d), wf = st.Bz - 4;
+    const double main = Manning(am, 2 + 2 * std::sqrt(2.0), st.n, st.S);
+    return wf > 0 ? main + Manning(wf * d, wf + 2 * std::sqrt(2.0) * d, st.nz, st.S) : main;
+}
+}  // namespace
+
+TEST(PrismaticFlood, MarchOverTheBanksEndsOnTheFirstStepThatCarriesQ) {
+    for (double Bz : {20.0, 4.0}) {  // 4: the flood zone is as wide as the channel
+        State st = BankedChannel(Bz, 0.04, 15);
+        ASSERT_LT(st.Qb, st.Q);
+        ASSERT_EQ(st.Qdesbord(), FloodStatus::Computed);
+        const double steps = st.d / 0.0025;
+        EXPECT_NEAR(steps, std::round(steps), 1e-6) << Bz;
+        const double root = Bisect([&](double d) { return OverBanks(st, d) - 15; }, 1e-9, 10);
+        EXPECT_GT(root, st.d - 0.0025) << Bz;
+        EXPECT_LE(root, st.d) << Bz;
+        EXPECT_DOUBLE_EQ(st.Yn, 1 + st.d);
+
+        st.Qdesbord3();
+        EXPECT_LE(st.Qm, st.Q);
+        EXPECT_DOUBLE_EQ(st.Qm + st.Qrest, st.Q);  // the shares add up to Q after the overshoot
+        EXPECT_DOUBLE_EQ(st.Tt, Bz + 2 * st.d);
+        EXPECT_DOUBLE_EQ(st.Tm, 4 + 2 * st.d);
+        EXPECT_NEAR(st.Vmean, 15 / (3 + st.d * (4 + st.d) + (Bz - 4) * st.d), 1e-12);
+    }
+    State narrow = BankedChannel(4, 0.04, 15);
+    narrow.Qdesbord();
+    narrow.Qdesbord3();
+    EXPECT_EQ(narrow.Af, 0);
+    EXPECT_EQ(narrow.Qf, 0);
+    EXPECT_EQ(narrow.Vf, 0);
+    EXPECT_EQ(narrow.Ff, 0);
+}
+
+TEST(PrismaticFlood, FirstStepOverTheBanks) {
+    // Just above the bank-full discharge the first 2.5 mm step carries it.
+    State st = BankedChannel(20, 0.04, 0);
+    st.Q = st.Qb * (1 + 1e-9);
+    st.Qdesbord();
+    EXPECT_DOUBLE_EQ(st.d, 0.0025);
+    EXPECT_DOUBLE_EQ(st.Yn, 1.0025);
+}
+
+TEST(PrismaticFlood, MissingFloodZoneStopsBeforeTheMarch) {
+    for (auto [Bz, nz] : {std::pair{0.0, 0.04}, std::pair{20.0, 0.0}}) {
+        State st = BankedChannel(Bz, nz, 15);
+        EXPECT_EQ(st.Qdesbord(), FloodStatus::MissingZone);
+        EXPECT_EQ(st.d, 0);
+    }
+}
+
+TEST(PrismaticFlood, CriticalDepthAboveTheBanksWhenTheBankFullFlowIsSupercritical) {
+    // Bank-full area 3 m2, top width 4 m: Q / 3 / sqrt(9.81 * 0.75) > 1 from Q = 8.14 m3/s.
+    const double threshold = 3 * std::sqrt(9.81 * 0.75);
+    for (auto [Q, above] : {std::pair{threshold * 0.99, false}, std::pair{threshold * 1.01, true}}) {
+        State st = BankedChannel(20, 0.04, Q);
+        st.Qdesbord();
+        EXPECT_EQ(st.Qdesbord3(), above) << Q;
+    }
+}
+
+TEST(PrismaticFaults, BadDataIsAFaultNamingTheDatum) {
+    struct Case {
+        const char* what;
+        std::function<void(State&)> run;
+        const char* message_part;
+    };
+    const std::vector<Case> cases = {
+        {"bank-full, no roughness",
+         [](State& st) {
+             st = Channel(0, 0.001, 2, 1);
+             st.h = 1;
+             st.Lleno();
+         },
+         "Rugosidad"},
+        {"bank-full, negative slope",
+         [](State& st) {
+             st = Channel(0.015, -0.001, 2, 1);
+             st.h = 1;
+             st.Lleno();
+         },
+         "Pendiente"},
+        {"conduit, negative slope", [](State& st) { (st = Conduit(0.013, -0.001, 1)).Maximo(); }, "Pendiente"},
+        {"conduit, negative diameter", [](State& st) { (st = Conduit(0.013, 0.001, -1)).Maximo(); }, "Diámetro"},
+        {"flood zone narrower than the channel",
+         [](State& st) {
+             st = BankedChannel(3, 0.04, 15);
+             st.Qdesbord();
+         },
+         "Ancho zona"},
+        {"negative discharge",
+         [](State& st) {
+             st = Channel(0.015, 0.001, 2, 1);
+             st.Q = -1;
+             st.Normal();
+         },
+         "Potencia"},
+    };
+    for (const auto& c : cases) {
+        State st;
+        try {
+            c.run(st);
+            ADD_FAILURE() << c.what << ": no fault";
+        } catch (const Fault& f) {
+            EXPECT_NE(std::string(f.what()).find(c.message_part), std::string::npos) << c.what << ": " << f.what();
+        }
+    }
+}
+
+TEST(PrismaticFaults, EndlessSearchesStopOnTheirBudget) {
+    struct Case {
+        const char* what;
+        std::function<void(State&)> run;
+    };
+    const std::vector<Case> cases = {
+        // Negative roughnesses: the discharge over the banks never grows to Q.
+        {"flood march",
+         [](State& st) {
+             st = BankedChannel(20, -0.04, 15);
+             st.n = -0.02;
+             st.Qdesbord();
+         }},
+        // Above the conduit's largest discharge (the screen refuses it first) the march never ends.
+        {"conduit normal depth",
+         [](State& st) {
+             st = Conduit(0.013, 0.001, 1);
+             st.Maximo();
+             st.Q = 2 * st.Qm;
+             st.Circular();
+         }},
+        // A negative discharge is never supercritical: the descent never ends.
+        {"conduit critical depth",
+         [](State& st) {
+             st = Conduit(0.013, 0.001, 1);
+             st.Maximo();
+             st.Q = -0.1;
+             st.Yn = 0.5;
+             st.F = 0;
+             st.Criticac();
+         }},
+    };
+    for (const auto& c : cases) {
+        State st;
+        try {
+            c.run(st);
+            ADD_FAILURE() << c.what << ": no fault";
+        } catch (const Fault& f) {
+            EXPECT_NE(std::string(f.what()).find("no termina"), std::string::npos) << c.what << ": " << f.what();
+        }
+    }
+}
