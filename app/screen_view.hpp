@@ -1,0 +1,95 @@
+// The view of one screen model: a text box, label, button, picture box or navigator per declared
+// control, placed where the screen's reference layout (1000 x 720) puts it and scaled with the
+// window, keeping its proportions. The view keeps no state of its own: typing goes to the model's
+// Type, a click to its Click, and after each the view is refreshed from the model.
+#pragma once
+
+#include <QWidget>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/table_clipboard.hpp"
+#include "forms/screen.hpp"
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace cauce::app {
+
+class FigureWidget;
+class Navigator;
+class Prompter;
+
+enum class Move { First, Previous, Next, Last };
+
+class ScreenView : public QWidget {
+    Q_OBJECT
+public:
+    static constexpr int kWidth = 1000, kHeight = 720;  // the reference layout
+
+    ScreenView(forms::Screen& model, Prompter& prompter, QWidget* parent = nullptr);
+
+    forms::Screen& Model() const { return model_; }
+    void Refresh();
+
+    // The widgets by control name (nullptr when absent or of another kind).
+    QWidget* ControlWidget(std::string_view name) const;
+    QLineEdit* Box(std::string_view name) const;
+    QLabel* Caption(std::string_view name) const;
+    QPushButton* Button(std::string_view name) const;
+    FigureWidget* Picture(std::string_view name) const;
+    Navigator* DataNavigator() const { return navigator_; }
+    // Focusable widgets in tab order.
+    std::vector<QWidget*> TabChain() const;
+
+    // What the widgets do, also used by the window's menus.
+    void Press(const std::string& name);
+    void MoveRecord(Move move);
+
+    // Tables of boxes and the clipboard; the box names a cell of the table to act on.
+    const std::vector<BoxTable>& Tables() const { return tables_; }
+    const BoxTable* TableOf(std::string_view box) const;
+    std::string FocusedBox() const;  // "" when the focus is not in a text box of this view
+    // The box of a table that last had the focus ("" when none): what the table menus act on.
+    const std::string& LastTableBox() const { return last_table_box_; }
+    bool CopyTable(std::string_view box);
+    bool PasteTable(std::string_view box, const QString& text);
+
+    double Scale() const;
+
+signals:
+    void pressed(const QString& name);  // after a click ran and the view was refreshed
+    void recordMoved();
+    void exitRequested();  // the model's "Salir"
+    void note(const QString& text);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+public:
+    QSize sizeHint() const override { return {kWidth, kHeight}; }
+    QSize minimumSizeHint() const override { return {kWidth / 3, kHeight / 3}; }
+
+private:
+    void Build();
+    void PlaceWidgets();
+    void Typed(const std::string& name, const QString& text);
+    void MarkReading(QLineEdit* box);
+    void TableMenu(QLineEdit* box, const std::string& name, const QPoint& at);
+
+    forms::Screen& model_;
+    Prompter& prompter_;
+    std::map<std::string, QWidget*, std::less<>> widgets_;
+    std::map<std::string, std::size_t, std::less<>> table_of_;
+    std::vector<BoxTable> tables_;
+    Navigator* navigator_ = nullptr;
+    std::string last_table_box_;
+    bool refreshing_ = false;
+};
+
+}  // namespace cauce::app

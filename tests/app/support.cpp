@@ -1,0 +1,98 @@
+#include "support.hpp"
+
+#include <charconv>
+
+#include "forms/screen.hpp"
+#include "hydraulics/fault.hpp"
+
+namespace cauce::apptest {
+
+namespace {
+
+class MemorySource : public forms::RecordSource {
+public:
+    MemorySource(std::string path, std::shared_ptr<MemorySheet> sheet) : path_(std::move(path)), sheet_(std::move(sheet)) {}
+    int RecordCount() const override { return static_cast<int>(sheet_->rows.size()); }
+    bool HasColumn(const std::string& column) const override {
+        for (const auto& c : sheet_->columns)
+            if (c == column) return true;
+        return false;
+    }
+    std::string Get(int record, const std::string& column) const override {
+        const auto& row = sheet_->rows.at(static_cast<std::size_t>(record - 1));
+        const auto it = row.find(column);
+        return it == row.end() ? "" : it->second;
+    }
+    void Set(int record, const std::string& column, const std::string& text) override {
+        sheet_->rows.at(static_cast<std::size_t>(record - 1))[column] = text;
+    }
+    std::string Save() override {
+        if (!sheet_->fail_save.empty()) raise(sheet_->fail_save);
+        ++sheet_->saves;
+        return "";
+    }
+    std::string Path() const override { return path_; }
+
+private:
+    std::string path_;
+    std::shared_ptr<MemorySheet> sheet_;
+};
+
+std::unique_ptr<forms::RecordSource> OpenMemory(const std::string& path, const std::string&) {
+    const auto it = Books().find(path);
+    if (it == Books().end()) raise("No se puede abrir el libro \"" + path + "\"");
+    return std::make_unique<MemorySource>(path, it->second);
+}
+
+std::string Text(double v) {
+    char buf[32];
+    const auto r = std::to_chars(buf, buf + sizeof buf, v);
+    return std::string(buf, r.ptr);
+}
+
+}  // namespace
+
+std::map<std::string, std::shared_ptr<MemorySheet>>& Books() {
+    static std::map<std::string, std::shared_ptr<MemorySheet>> books;
+    return books;
+}
+
+void InstallMemoryBooks() { forms::SetSourceOpener(&OpenMemory); }
+
+std::shared_ptr<MemorySheet> MakeSheet(const std::vector<std::string>& columns,
+                                       const std::vector<std::map<std::string, std::string>>& rows) {
+    auto sheet = std::make_shared<MemorySheet>();
+    sheet->columns = columns;
+    sheet->rows = rows;
+    return sheet;
+}
+
+std::vector<std::string> Form2Columns() {
+    std::vector<std::string> c = {"SecId", "No# secciones", "Rugosidad", "Si", "Caudal", "Ancho Zi", "Rugosidad Zi"};
+    for (int j = 1; j <= 15; ++j) {
+        c.push_back("z" + std::to_string(j));
+        c.push_back("t" + std::to_string(j));
+        c.push_back("Abscisa" + std::to_string(j));
+        c.push_back("Tipo" + std::to_string(j));
+        c.push_back("Za" + std::to_string(j));
+        c.push_back("V" + std::to_string(j));
+    }
+    return c;
+}
+
+std::map<std::string, std::string> SectionRow(int number, int count, const std::vector<std::pair<double, double>>& levels,
+                                              double n, double slope, double discharge) {
+    std::map<std::string, std::string> row;
+    row["SecId"] = std::to_string(number);
+    row["No# secciones"] = std::to_string(count);
+    row["Rugosidad"] = Text(n);
+    row["Si"] = Text(slope);
+    row["Caudal"] = Text(discharge);
+    for (std::size_t j = 0; j < levels.size(); ++j) {
+        row["z" + std::to_string(j + 1)] = Text(levels[j].first);
+        row["t" + std::to_string(j + 1)] = Text(levels[j].second);
+    }
+    return row;
+}
+
+}  // namespace cauce::apptest
