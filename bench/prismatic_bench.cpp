@@ -35,8 +35,13 @@ BENCHMARK(BM_ConduitYn)->Arg(10)->Arg(45)->Arg(100)->Unit(benchmark::kMicrosecon
 void BM_TrapezoidYn(benchmark::State& state) {
     auto s = cauce::screens::MakeScreen("Form1");
     s->Click("Command1");
-    for (auto [box, text] : {std::pair{"Text1", "0.015"}, {"Text2", "0.0008"}, {"Text3", "3"}, {"Text4", "1.5"},
-                             {"Text5", "1.5"}, {"Text6", "40"}, {"Text7", "0.04"}})
+    for (auto [box, text] : {std::pair{"Text1", "0.015"},
+                             {"Text2", "0.0008"},
+                             {"Text3", "3"},
+                             {"Text4", "1.5"},
+                             {"Text5", "1.5"},
+                             {"Text6", "40"},
+                             {"Text7", "0.04"}})
         s->Type(box, text);
     s->Type("Text8", std::to_string(state.range(0)));
     Run(state, *s, "Command4");

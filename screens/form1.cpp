@@ -19,12 +19,14 @@ constexpr const char* kDefinaSeccion = "Por favor defina los valores de la Secci
 constexpr const char* kFaltaRugosidad = "Falta la Rugosidad";
 constexpr const char* kNoHayPendiente = "No hay pendiente. No hay Yn";
 constexpr const char* kIncluyaZona =
-    "Por favor incluya en las casillas correspondientes los valores de:  Ancho de zona inundable y Rugosidad.";
+    "Por favor incluya en las casillas correspondientes los valores de:  Ancho de zona inundable y "
+    "Rugosidad.";
 constexpr const char* kDesbordamiento = "HAY DESBORDAMIENTO";
 constexpr const char* kFaltaPendiente = "Falta la pendiente";
 constexpr const char* kFaltaDiametro = "Falta el diámetro";
 constexpr const char* kFaltaCaudal = "Falta el caudal";
-constexpr const char* kCaudalMayorQm = "El Caudal no puede ser mayor que Qm. Disminuya el Caudal y oprima Yn?";
+constexpr const char* kCaudalMayorQm =
+    "El Caudal no puede ser mayor que Qm. Disminuya el Caudal y oprima Yn?";
 constexpr const char* kFaltaProfundidad = " Falta la Profundidad Yn";
 constexpr const char* kTuboLleno = "Tubo lleno";
 constexpr const char* kYnMayorDiametro = "Yn debe ser menor que el diámetro. Disminuya el valor de Yn ";
@@ -47,58 +49,76 @@ std::string Lines(std::initializer_list<const char*> lines) {
 }
 
 const std::string kSeleccione = "SELECCIONE EL TIPO DE CANAL";
-const std::string kTrapezoidalLayout = Lines({"Entre los datos del CANAL PRINCIPAL y la ZONA INUNDABLE y oprima:",
-                                              "Yn? para calcular Ynormal", "Q? para calcular el Caudal"});
-const std::string kCircularLayout =
-    Lines({"Registre los datos del canal y luego:", "Yn? para calcular Ynormal, Q? para calcular el CAUDAL."});
+const std::string kTrapezoidalLayout =
+    Lines({"Entre los datos del CANAL PRINCIPAL y la ZONA INUNDABLE y oprima:", "Yn? para calcular Ynormal",
+           "Q? para calcular el Caudal"});
+const std::string kCircularLayout = Lines(
+    {"Registre los datos del canal y luego:", "Yn? para calcular Ynormal, Q? para calcular el CAUDAL."});
 const std::string kDadoCaudal =
     Lines({"Dado el Caudal calcule Ynormal:",
            "Incluya el valor del CAUDAL (m3/s ) en la casilla correspondiente y luego oprima Yn?"});
 const std::string kDadoYnCanal =
     Lines({"DADO Yn CALCULE EL CAUDAL.",
            "Incluya el valor de la Profundidad Yn en la casilla correspondiente y luego oprima Q?"});
-const std::string kDadoYnConducto = Lines(
-    {"Dado Ynormal calcule el caudal:", "Incluya el valor de Yn en la casilla correspondiente y luego oprima Q?"});
+const std::string kDadoYnConducto =
+    Lines({"Dado Ynormal calcule el caudal:",
+           "Incluya el valor de Yn en la casilla correspondiente y luego oprima Q?"});
 
 // Figures, loaded by bare file name from the working folder.
 const char* SectionFigure(SectionType type) {
     switch (type) {
-        case SectionType::Triangular: return "Ctrian1.wmf";
-        case SectionType::Rectangular: return "Crectg1.wmf";
-        case SectionType::Trapezoidal: break;
+        case SectionType::Triangular:
+            return "Ctrian1.wmf";
+        case SectionType::Rectangular:
+            return "Crectg1.wmf";
+        case SectionType::Trapezoidal:
+            break;
     }
     return "Ctrape1.wmf";
 }
 
 const char* FloodFigure(SectionType type) {
     switch (type) {
-        case SectionType::Triangular: return "Ctrian.wmf";
-        case SectionType::Rectangular: return "Crectg.wmf";
-        case SectionType::Trapezoidal: break;
+        case SectionType::Triangular:
+            return "Ctrian.wmf";
+        case SectionType::Rectangular:
+            return "Crectg.wmf";
+        case SectionType::Trapezoidal:
+            break;
     }
     return "Ctrapez.wmf";
 }
 
 const char* SectionCaption(SectionType type) {
     switch (type) {
-        case SectionType::Triangular: return "TRIANGULAR";
-        case SectionType::Rectangular: return "RECTANGULAR";
-        case SectionType::Trapezoidal: break;
+        case SectionType::Triangular:
+            return "TRIANGULAR";
+        case SectionType::Rectangular:
+            return "RECTANGULAR";
+        case SectionType::Trapezoidal:
+            break;
     }
     return "TRAPEZOIDAL";
 }
 
 const char* ConduitFigureName(ConduitFigure figure) {
     switch (figure) {
-        case ConduitFigure::Middle: return "circulo2.wmf";
-        case ConduitFigure::High: return "circulo3.wmf";
-        case ConduitFigure::Low: break;
+        case ConduitFigure::Middle:
+            return "circulo2.wmf";
+        case ConduitFigure::High:
+            return "circulo3.wmf";
+        case ConduitFigure::Low:
+            break;
     }
     return "circulo.wmf";
 }
 
-std::string T(int n) { return "Text" + std::to_string(n); }
-std::string L(int n) { return "Label" + std::to_string(n); }
+std::string T(int n) {
+    return "Text" + std::to_string(n);
+}
+std::string L(int n) {
+    return "Label" + std::to_string(n);
+}
 
 }  // namespace
 
@@ -507,6 +527,8 @@ void Form1::Command7Click() {
     }
 }
 
-std::unique_ptr<forms::Screen> MakeForm1() { return std::make_unique<Form1>(); }
+std::unique_ptr<forms::Screen> MakeForm1() {
+    return std::make_unique<Form1>();
+}
 
 }  // namespace cauce::screens

@@ -13,11 +13,11 @@
 namespace cauce::screens {
 
 class Form1 : public forms::Screen {
-public:
+  public:
     Form1();
     const prismatic::State& State() const { return st_; }
 
-private:
+  private:
     void DeclareControls();
     void FormLoad();
 
@@ -33,7 +33,7 @@ private:
     void Datos();          // reads the data; the type button and figure show the shape
     void Lleno();          // bank-full discharge into Text14
     void Trapecio();
-    void Critica();        // critical depth for st_.Qc into Text12, Text13
+    void Critica();  // critical depth for st_.Qc into Text12, Text13
     void Qdesbord();
     void Qdesbord3();
 

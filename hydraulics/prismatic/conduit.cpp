@@ -39,8 +39,9 @@ void State::Circular() {
         y = D / 2;
         qc = Qlleno / 2;
     }
-    StepBudget budget(kMarchBudget, "El tirante normal del conducto no se alcanza: el cálculo no termina "
-                                    "(revise el Caudal, el Diametro, la Rugosidad y la Pendiente)");
+    StepBudget budget(kMarchBudget,
+                      "El tirante normal del conducto no se alcanza: el cálculo no termina "
+                      "(revise el Caudal, el Diametro, la Rugosidad y la Pendiente)");
     while (qc < Q) {
         budget.step();
         qc = Geometria();

@@ -15,8 +15,9 @@
 namespace cauce::prismatic {
 
 void State::Critica() {
-    StepBudget budget(kIterationBudget, "El tirante crítico no converge: el cálculo no termina "
-                                        "(revise la Base, el Talud y el Caudal)");
+    StepBudget budget(kIterationBudget,
+                      "El tirante crítico no converge: el cálculo no termina "
+                      "(revise la Base, el Talud y el Caudal)");
     const double scale = Pow(Div(Qc, Sqr(9.81)), 2.0 / 3.0);
     double yi = 1;
     double change = 1;
@@ -36,7 +37,9 @@ namespace {
 constexpr const char* kConduitCriticalEndless =
     "El tirante crítico del conducto no se alcanza: el cálculo no termina (revise el Caudal)";
 
-double ConduitFroude(double v, double a, double t) { return Div(v, Sqr(Div(9.81 * a, t))); }
+double ConduitFroude(double v, double a, double t) {
+    return Div(v, Sqr(Div(9.81 * a, t)));
+}
 }  // namespace
 
 void State::Criticac2() {

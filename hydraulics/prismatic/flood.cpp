@@ -16,8 +16,9 @@ void State::Qdesbord2() {
     Wf = Bz - Tb;
     Af = Wf * d;
     if (Af < 0)
-        raise("El ancho de la zona inundable es menor que el ancho del canal a banca llena "
-              "(revise el Ancho zona)");
+        raise(
+            "El ancho de la zona inundable es menor que el ancho del canal a banca llena "
+            "(revise el Ancho zona)");
     const double pf = Wf + 2 * Sqr(2) * d;
     Qf = Div(root * Pow(Af, 5.0 / 3.0), nz * Pow(pf, 2.0 / 3.0));
     Qt = Qm + Qf;
@@ -27,8 +28,9 @@ FloodStatus State::Qdesbord() {
     d = 0;
     Qt = Qb;
     if (Bz == 0 || nz == 0) return FloodStatus::MissingZone;
-    StepBudget budget(kMarchBudget, "La profundidad sobre las orillas no se alcanza: el cálculo no termina "
-                                    "(revise las rugosidades, la Pendiente y el Caudal)");
+    StepBudget budget(kMarchBudget,
+                      "La profundidad sobre las orillas no se alcanza: el cálculo no termina "
+                      "(revise las rugosidades, la Pendiente y el Caudal)");
     while (Qt < Q) {
         budget.step();
         d = d + 0.0025;

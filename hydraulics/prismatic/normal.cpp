@@ -11,8 +11,9 @@
 namespace cauce::prismatic {
 
 void State::Normal() {
-    StepBudget budget(kIterationBudget, "El tirante normal no converge: el cálculo no termina "
-                                        "(revise la Rugosidad, la Pendiente, la Base, el Talud y el Caudal)");
+    StepBudget budget(kIterationBudget,
+                      "El tirante normal no converge: el cálculo no termina "
+                      "(revise la Rugosidad, la Pendiente, la Base, el Talud y el Caudal)");
     const double scale = Pow(Div(n * Q, SlopeRoot(S)), 0.6);
     double yi = 1;
     double change = 1;

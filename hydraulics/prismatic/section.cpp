@@ -19,10 +19,16 @@ double SlopeRoot(double S) {
     return Sqr(S);
 }
 
-double TrapezoidArea(double b, double z, double y) { return (b + z * y) * y; }
+double TrapezoidArea(double b, double z, double y) {
+    return (b + z * y) * y;
+}
 
-double TrapezoidPerimeter(double b, double z, double y) { return b + 2 * y * Sqr(1 + z * z); }
+double TrapezoidPerimeter(double b, double z, double y) {
+    return b + 2 * y * Sqr(1 + z * z);
+}
 
-double TrapezoidTopWidth(double b, double z, double y) { return b + 2 * z * y; }
+double TrapezoidTopWidth(double b, double z, double y) {
+    return b + 2 * z * y;
+}
 
 }  // namespace cauce::prismatic

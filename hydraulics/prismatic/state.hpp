@@ -74,14 +74,14 @@ struct State {
     // Flood zone: depth over the banks, main-channel area, flood-zone width, area and discharge,
     // total discharge (Qdesbord2), and the shares shown by Qdesbord3.
     double d = 0, Am = 0, Wf = 0, Af = 0, Qf = 0, Qt = 0;
-    double Qrest = 0;   // flood zone's share shown: the remainder Q - Qm, so the shares add up to Q
-    double Vmean = 0;   // whole discharge over the whole area
-    double Vm = 0;      // main channel
-    double Vf = 0;      // flood zone (0 when it has no width)
-    double Tt = 0;      // total top width Bz + 2 d
-    double Tm = 0;      // main channel's top width Tb + 2 d
-    double Fm = 0;      // main channel's Froude number
-    double Ff = 0;      // flood zone's Froude number (0 when it has no width)
+    double Qrest = 0;  // flood zone's share shown: the remainder Q - Qm, so the shares add up to Q
+    double Vmean = 0;  // whole discharge over the whole area
+    double Vm = 0;     // main channel
+    double Vf = 0;     // flood zone (0 when it has no width)
+    double Tt = 0;     // total top width Bz + 2 d
+    double Tm = 0;     // main channel's top width Tb + 2 d
+    double Fm = 0;     // main channel's Froude number
+    double Ff = 0;     // flood zone's Froude number (0 when it has no width)
 
     // --- trapezoidal family (section.cpp, normal.cpp, bankfull.cpp, critical.cpp) ---
     // The shape the data describe; the later test wins, so b = z = 0 is a rectangle.
@@ -119,7 +119,7 @@ struct State {
     // whole discharge is supercritical (the critical depth is above the banks).
     bool Qdesbord3();
 
-private:
+  private:
     // Full-conduit discharge; returns the full area.
     double FullConduit();
 };

@@ -81,7 +81,8 @@ TEST(PrismaticSection, TypeFromBottomWidthAndSideSlope) {
         {2, 0, SectionType::Rectangular},
         {0, 0, SectionType::Rectangular},  // the later test wins; the callers refuse b + z = 0
     };
-    for (const auto& c : cases) EXPECT_EQ(Channel(0.015, 0.001, c.b, c.z).Datos(), c.type) << c.b << " " << c.z;
+    for (const auto& c : cases)
+        EXPECT_EQ(Channel(0.015, 0.001, c.b, c.z).Datos(), c.type) << c.b << " " << c.z;
 }
 
 TEST(PrismaticNormal, NormalDepthMatchesABisectionOfManning) {
@@ -144,7 +145,8 @@ TEST(PrismaticCritica, CriticalDepthMatchesTheClosedForms) {
         // Triangle: A = z y^2, T = 2 z y, so yc = (2 Q^2 / (g z^2))^(1/5).
         {"triangle z 2, Q 1.5", 0, 2, 1.5, std::pow(2 * 1.5 * 1.5 / (9.81 * 4), 0.2)},
         {"trapezoid b 3, z 1.5, Q 10", 3, 1.5, 10,
-         Bisect([](double y) { return 9.81 * std::pow((3 + 1.5 * y) * y, 3) - 100 * (3 + 3 * y); }, 1e-6, 10)},
+         Bisect([](double y) { return 9.81 * std::pow((3 + 1.5 * y) * y, 3) - 100 * (3 + 3 * y); }, 1e-6,
+                10)},
     };
     for (const auto& c : cases) {
         State st = Channel(0.015, 0.001, c.b, c.z);
@@ -250,7 +252,9 @@ TEST(PrismaticConduit, NormalDepthMarchEndsOneStepPastTheRoot) {
         const Circle last = ExactCircle(D, st.Yn - 0.001);
         EXPECT_NEAR(st.A / last.A, 1, 1e-4) << fraction;
         const ConduitFigure figure = st.Final();
-        EXPECT_EQ(figure, st.Yn > 0.5 ? ConduitFigure::High : st.Yn > 0.3 ? ConduitFigure::Middle : ConduitFigure::Low);
+        EXPECT_EQ(figure, st.Yn > 0.5   ? ConduitFigure::High
+                          : st.Yn > 0.3 ? ConduitFigure::Middle
+                                        : ConduitFigure::Low);
         EXPECT_NEAR(st.QQlleno, fraction, 1e-12);
         EXPECT_NEAR(st.YnD, st.Yn, 1e-12);
     }
@@ -407,8 +411,10 @@ TEST(PrismaticFaults, BadDataIsAFaultNamingTheDatum) {
              st.Lleno();
          },
          "Pendiente"},
-        {"conduit, negative slope", [](State& st) { (st = Conduit(0.013, -0.001, 1)).Maximo(); }, "Pendiente"},
-        {"conduit, negative diameter", [](State& st) { (st = Conduit(0.013, 0.001, -1)).Maximo(); }, "Diámetro"},
+        {"conduit, negative slope", [](State& st) { (st = Conduit(0.013, -0.001, 1)).Maximo(); },
+         "Pendiente"},
+        {"conduit, negative diameter", [](State& st) { (st = Conduit(0.013, 0.001, -1)).Maximo(); },
+         "Diámetro"},
         {"flood zone narrower than the channel",
          [](State& st) {
              st = BankedChannel(3, 0.04, 15);
@@ -429,7 +435,8 @@ TEST(PrismaticFaults, BadDataIsAFaultNamingTheDatum) {
             c.run(st);
             ADD_FAILURE() << c.what << ": no fault";
         } catch (const Fault& f) {
-            EXPECT_NE(std::string(f.what()).find(c.message_part), std::string::npos) << c.what << ": " << f.what();
+            EXPECT_NE(std::string(f.what()).find(c.message_part), std::string::npos)
+                << c.what << ": " << f.what();
         }
     }
 }
@@ -472,7 +479,8 @@ TEST(PrismaticFaults, EndlessSearchesStopOnTheirBudget) {
             c.run(st);
             ADD_FAILURE() << c.what << ": no fault";
         } catch (const Fault& f) {
-            EXPECT_NE(std::string(f.what()).find("no termina"), std::string::npos) << c.what << ": " << f.what();
+            EXPECT_NE(std::string(f.what()).find("no termina"), std::string::npos)
+                << c.what << ": " << f.what();
         }
     }
 }
