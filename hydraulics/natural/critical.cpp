@@ -4,12 +4,30 @@
 // water is then lowered from the top of that band in 1 mm steps while the flow stays subcritical.
 // The step is taken after the Froude number, so Yc is reported one step below. If no level is
 // subcritical the band index is stale, as it always was.
+//
+// Where the Froude number only rises as the band empties, the step at which the march stops is
+// found by a bracketing search over the step count instead of walking every step.
+#include <cmath>
+#include <cstdint>
+
+#include "hydraulics/accumulate.hpp"
 #include "hydraulics/natural/state.hpp"
 
 namespace cauce::natural {
 
 namespace {
+
+constexpr const char* kNoEnd = "El tirante crítico no se alcanza: el cálculo no termina";
+
 double Froude(double q, double a, double t) { return Div(Div(q, a), Sqr(Div(9.81 * a, t))); }
+
+// Froude number in band k with the water hb above level k-1, in the march's order of operations.
+double InBand(const State& st, int s, double hb) {
+    const double a = st.Acum(s, st.k - 1) + hb * (st.T(s, st.k - 1) + st.m(s, st.k) * hb);
+    const double t = st.T(s, st.k - 1) + 2 * st.m(s, st.k) * hb;
+    return Froude(st.Qc, a, t);
+}
+
 }  // namespace
 
 void State::Critica(int s) {
@@ -21,16 +39,41 @@ void State::Critica(int s) {
             break;
         }
     }
-    StepBudget budget(kMarchBudget, "El tirante crítico no se alcanza: el cálculo no termina");
+    if (literal || !CriticaFast(s, fr)) CriticaMarch(s, fr);
+}
+
+void State::CriticaMarch(int s, double fr) {
+    StepBudget budget(kMarchBudget, kNoEnd);
     double hb = Z(s, k) - Z(s, k - 1);
     while (fr < 1) {
         budget.step();
-        const double a = Acum(s, k - 1) + hb * (T(s, k - 1) + m(s, k) * hb);
-        const double t = T(s, k - 1) + 2 * m(s, k) * hb;
-        fr = Froude(Qc, a, t);
+        fr = InBand(*this, s, hb);
         hb = hb - 0.001;
     }
     Yc(s) = Yj(s, k - 1) + hb;
+}
+
+bool State::CriticaFast(int s, double fr) {
+    if (!(fr < 1)) return false;  // the march takes no step
+    try {
+        // Froude^2 = Q^2 T / (g A^3) falls as the band fills when 3 T0^2 >= 2 m A0: then, lowering
+        // the water from the top of the band, it only rises until the band's foot.
+        const double t0 = T(s, k - 1), a0 = Acum(s, k - 1), mm = m(s, k);
+        const double top = Z(s, k) - Z(s, k - 1);
+        if (!(Qc > 0 && top > 0 && t0 >= 0 && a0 >= 0 && mm >= 0 && 3 * t0 * t0 >= 2 * mm * a0)) return false;
+        Accumulation steps(top, -0.001);  // h = h - 0.001 from the top of the band
+        auto depth = [&steps](std::int64_t j) { return steps.At(j); };
+        // The last step that still leaves water in the band.
+        std::int64_t last = static_cast<std::int64_t>(std::floor(top / 0.001)) + 2;
+        while (last > 0 && !(depth(last) > 0)) --last;
+        if (last >= kMarchBudget || !(depth(last) > 0)) return false;
+        const std::int64_t stop = FirstReached(0, last, [&](std::int64_t j) { return InBand(*this, s, depth(j)) >= 1; });
+        if (stop > last) return false;  // still subcritical at the band's foot: walk the march on
+        Yc(s) = Yj(s, k - 1) + (depth(stop) - 0.001);
+        return true;
+    } catch (const Fault&) {
+        return false;
+    }
 }
 
 }  // namespace cauce::natural

@@ -3,34 +3,94 @@
 // Above the banks the main channel rises between 1:1 walls and keeps its bank-full wetted perimeter;
 // the flood zone, of total width B (the channel's top width Tn counted in), adds a rectangle w x hz
 // with two 45-degree sides. The depth over the banks is marched in 2 mm steps until both carry Q.
+// Both discharges only rise with the depth, so the stopping step is found by a bracketing search over
+// the step count, with exactly the march's results.
+#include <cstdint>
+
+#include "hydraulics/accumulate.hpp"
 #include "hydraulics/natural/state.hpp"
 
 namespace cauce::natural {
 
+namespace {
+
+constexpr const char* kNoEnd = "La profundidad sobre las orillas no se alcanza: el cálculo no termina "
+                               "(revise la Pendiente y las rugosidades)";
+constexpr const char* kNoCritical = "El tirante crítico sobre las orillas no se alcanza: el cálculo no termina";
+
+struct OverBank {
+    double am, af, qm, qt;
+};
+
+// Main channel and flood zone with the water hz over the banks, in the march's order of operations.
+OverBank AtHeight(const State& st, int s, double hz) {
+    const int top = st.npts(s);
+    const double tn = st.T(s, top);
+    OverBank o;
+    o.am = st.Acum(s, top) + hz * (tn + hz);
+    const double w = st.B - tn;
+    o.af = w * hz;
+    const double pf = w + 2 * Sqr(2) * hz;
+    o.qm = Div(Div(Sqr(st.S0(s)) * Pow(o.am, 5.0 / 3.0), st.n), Pow(st.Pcum(s, top), 2.0 / 3.0));
+    const double qf = Div(Div(Sqr(st.S0(s)) * Pow(o.af, 5.0 / 3.0), st.nz), Pow(pf, 2.0 / 3.0));
+    o.qt = qf + o.qm;
+    return o;
+}
+
+// Heights over the banks: 0, then height = height + 0.002.
+Accumulation& OverBankSteps() {
+    thread_local Accumulation steps(0.0, 0.002);
+    return steps;
+}
+
+double BankFroude(double q, double a, double t) { return Div(Div(q, a), Sqr(Div(9.81 * a, t))); }
+
+}  // namespace
+
 void State::Qdesbord(int s) {
-    const int top = npts(s);
-    const double tn = T(s, top);
     if (S0(s) == 0 && Q(s) > Qlleno(s))
         raise("Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
-    StepBudget budget(kMarchBudget, "La profundidad sobre las orillas no se alcanza: el cálculo no termina "
-                                    "(revise la Pendiente y las rugosidades)");
+    if (literal || !FloodFast(s)) FloodMarch(s);
+    Tw(s) = B + 2 * hz;
+    Yn(s) = Ylleno(s) + hz;
+    V(s) = Div(Q(s), A(s));
+}
+
+void State::FloodMarch(int s) {
+    StepBudget budget(kMarchBudget, kNoEnd);
     hz = 0;
     double qt = Qlleno(s);
     while (qt < Q(s)) {
         budget.step();
         hz = hz + 0.002;
-        Am = Acum(s, top) + hz * (tn + hz);
-        const double w = B - tn;
-        Af = w * hz;
-        const double pf = w + 2 * Sqr(2) * hz;
-        A(s) = Am + Af;
-        Qm = Div(Div(Sqr(S0(s)) * Pow(Am, 5.0 / 3.0), n), Pow(Pcum(s, top), 2.0 / 3.0));
-        const double qf = Div(Div(Sqr(S0(s)) * Pow(Af, 5.0 / 3.0), nz), Pow(pf, 2.0 / 3.0));
-        qt = qf + Qm;
+        const OverBank o = AtHeight(*this, s, hz);
+        Am = o.am;
+        Af = o.af;
+        A(s) = o.am + o.af;
+        Qm = o.qm;
+        qt = o.qt;
     }
-    Tw(s) = B + 2 * hz;
-    Yn(s) = Ylleno(s) + hz;
-    V(s) = Div(Q(s), A(s));
+}
+
+bool State::FloodFast(int s) {
+    if (!(Qlleno(s) < Q(s) && S0(s) > 0 && n > 0 && nz > 0 && B >= T(s, npts(s)))) return false;
+    std::int64_t stop = 0;
+    try {
+        auto height = [](std::int64_t j) { return OverBankSteps().At(j); };
+        stop = FirstReached(1, kMarchBudget, [&](std::int64_t j) { return !(AtHeight(*this, s, height(j)).qt < Q(s)); });
+        if (stop <= kMarchBudget) {
+            hz = height(stop);
+            const OverBank o = AtHeight(*this, s, hz);
+            Am = o.am;
+            Af = o.af;
+            A(s) = o.am + o.af;
+            Qm = o.qm;
+            return true;
+        }
+    } catch (const Fault&) {
+        return false;
+    }
+    raise(kNoEnd);
 }
 
 bool State::NoFloodZone(int s) const { return B == T(s, npts(s)); }
@@ -46,28 +106,48 @@ void State::Qdesbord3(int s) {
     Vm = Div(Qm, Am);
     Tm = tn + 2 * hz;
 
-    const double fr = Div(Div(Q(s), abank), Sqr(Div(9.81 * abank, tn)));
+    const double fr = BankFroude(Q(s), abank, tn);
     Qc = Q(s);
     if (fr < 1) {
         Critica(s);
         return;
     }
-    double frb = Div(Div(Qm, abank), Sqr(Div(9.81 * abank, tn)));
+    const double frb = BankFroude(Qm, abank, tn);
     if (frb >= 1) {
-        StepBudget budget(kMarchBudget, "El tirante crítico sobre las orillas no se alcanza: el cálculo no termina");
-        double height = 0;
-        while (frb > 1) {
-            budget.step();
-            height = height + 0.002;
-            const double a = abank + height * (tn + height);
-            const double t = tn + 2 * height;
-            frb = Div(Div(Qm, a), Sqr(Div(9.81 * a, t)));
-        }
-        Yc(s) = Ylleno(s) + height;
+        Yc(s) = Ylleno(s) + OverBankCritical(s, frb);
     } else {
         Qc = Qm;
         Critica(s);
     }
+}
+
+// The main channel alone, supercritical at bank-full: the height over the banks, in 2 mm steps, at
+// which its Froude number is no longer above 1.
+double State::OverBankCritical(int s, double frb) {
+    const int top = npts(s);
+    const double tn = T(s, top);
+    const double abank = Acum(s, top);
+    auto froude = [&](double height) {
+        return BankFroude(Qm, abank + height * (tn + height), tn + 2 * height);
+    };
+    // Froude falls as the water rises between the 1:1 walls when 2 A <= 3 T^2 at the banks.
+    if (!literal && frb > 1 && Qm > 0 && tn > 0 && abank > 0 && 2 * abank <= 3 * tn * tn) {
+        try {
+            auto height = [](std::int64_t j) { return OverBankSteps().At(j); };
+            const std::int64_t stop =
+                FirstReached(1, kMarchBudget, [&](std::int64_t j) { return !(froude(height(j)) > 1); });
+            if (stop <= kMarchBudget) return height(stop);
+        } catch (const Fault&) {
+        }
+    }
+    StepBudget budget(kMarchBudget, kNoCritical);
+    double height = 0;
+    while (frb > 1) {
+        budget.step();
+        height = height + 0.002;
+        frb = froude(height);
+    }
+    return height;
 }
 
 }  // namespace cauce::natural

@@ -54,6 +54,12 @@ struct State {
     double B = 0, nz = 0, hz = 0, Am = 0, Af = 0, Qm = 0;
     double Vm = 0, Vf = 0, Tm = 0;  // main-channel and flood-zone velocities, main-channel top width
 
+    // The fixed-step searches (normal depth, critical depth, flood zone) find the step at which the
+    // legacy march stops by a bracketing search over the step count, with exactly the march's results;
+    // where the searched quantity is not monotone they walk the march. With `literal` set they always
+    // walk it: the reference the fast paths are checked against.
+    bool literal = false;
+
     // Bed elevation of a section: level 1 of its table.
     double Zbed(int s) const { return Z(s, 1); }
 
@@ -78,6 +84,15 @@ struct State {
 
     // Top width of the top level, Tn.
     double BankWidth(int s) const { return T(s, npts(s)); }
+
+private:
+    void NormalMarch(int s);
+    bool NormalFast(int s);
+    void CriticaMarch(int s, double fr);
+    bool CriticaFast(int s, double fr);
+    void FloodMarch(int s);
+    bool FloodFast(int s);
+    double OverBankCritical(int s, double frb);
 };
 
 }  // namespace cauce::natural
