@@ -39,11 +39,15 @@ void State::Circular() {
         y = D / 2;
         qc = Qlleno / 2;
     }
-    StepBudget budget(kMarchBudget,
-                      "El tirante normal del conducto no se alcanza: el cálculo no termina "
-                      "(revise el Caudal, el Diametro, la Rugosidad y la Pendiente)");
+    const char* endless =
+        "El tirante normal del conducto no se alcanza: el cálculo no termina "
+        "(revise el Caudal, el Diametro, la Rugosidad y la Pendiente)";
+    StepBudget budget(kMarchBudget, endless);
     while (qc < Q) {
         budget.step();
+        // Past the crown the discharge only falls as the depth grows: a march that has gone a
+        // diameter above it without reaching Q never will.
+        if (y > 2 * D) raise(endless);
         qc = Geometria();
         y = y + 0.001;
     }

@@ -57,6 +57,8 @@ void State::Criticac() {
     y = Yn;
     if (F > 1) Criticac2();
     if (y == D) y = D - 0.005;
+    // The Froude number has the sign of Q: with no positive discharge the descent never ends.
+    if (Q <= 0) raise(kConduitCriticalEndless);
     StepBudget budget(kMarchBudget, kConduitCriticalEndless);
     while (F <= 1) {
         budget.step();

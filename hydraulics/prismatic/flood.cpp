@@ -28,7 +28,7 @@ FloodStatus State::Qdesbord() {
     d = 0;
     Qt = Qb;
     if (Bz == 0 || nz == 0) return FloodStatus::MissingZone;
-    StepBudget budget(kMarchBudget,
+    StepBudget budget(kFloodBudget,
                       "La profundidad sobre las orillas no se alcanza: el cálculo no termina "
                       "(revise las rugosidades, la Pendiente y el Caudal)");
     while (Qt < Q) {

@@ -24,10 +24,13 @@ enum class ConduitFigure { Low, Middle, High };
 enum class FloodStatus { Computed, MissingZone };
 
 // Guards of the searches. The fixed-point iterations of a real channel converge in a few dozen
-// passes; the 1 mm and 2.5 mm marches need a few thousand steps. These allow conduits and depths of
-// kilometres, so they never change a result where the search ends.
-inline constexpr std::int64_t kIterationBudget = 1'000'000;
+// passes; the 1 mm and 2.5 mm marches need a few thousand steps. These allow conduits of kilometres
+// and a kilometre of water over the banks, so they never change a result where the search ends.
+// The conduit's marches are also bounded by depth (see conduit.cpp and critical.cpp), so that a
+// discharge no depth carries is told at once.
+inline constexpr std::int64_t kIterationBudget = 100'000;
 inline constexpr std::int64_t kMarchBudget = 5'000'000;
+inline constexpr std::int64_t kFloodBudget = 400'000;
 
 // The full conduit has no free surface: its Froude number is shown as this fixed value.
 inline constexpr double kFullConduitFroude = 0;
