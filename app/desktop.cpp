@@ -5,7 +5,9 @@
 #include <QTranslator>
 #include <algorithm>
 
+#include "app/dialogs.hpp"
 #include "app/screen_window.hpp"
+#include "hydraulics/fault.hpp"
 #include "screens/registry.hpp"
 
 namespace cauce::app {
@@ -26,8 +28,12 @@ ScreenWindow* Desktop::Open(std::string_view name) {
     windows_.push_back(window);
     window->show();
     if (bound && default_workbook_) {
-        const std::string path = default_workbook_(name);
-        if (!path.empty()) window->OpenWorkbook(QString::fromStdString(path));
+        try {
+            const std::string path = default_workbook_(name);
+            if (!path.empty()) window->OpenWorkbook(QString::fromStdString(path));
+        } catch (const Fault& f) {
+            prompter_.Fault(window, QString::fromStdString(f.what()));
+        }
     }
     return window;
 }

@@ -46,8 +46,16 @@ void Label(QPainter& p, QPointF at, const QString& text, double size = kText) {
     p.drawText(at, text);
 }
 
+// The outline carried on level to both edges of the canvas, so that no water shows beyond it.
+QPolygonF ToEdges(QPolygonF outline) {
+    outline.prepend(QPointF(-1, outline.first().y()));
+    outline.append(QPointF(kW + 1, outline.last().y()));
+    return outline;
+}
+
 // A natural section: the outline, the water up to surface_y, the mark and the depth.
-void NaturalSection(QPainter& p, const QPolygonF& ground, double surface_y, double bed_x, double bed_y) {
+void NaturalSection(QPainter& p, const QPolygonF& outline, double surface_y, double bed_x, double bed_y) {
+    const QPolygonF ground = ToEdges(outline);
     const QPainterPath region = d::GroundRegion(ground, kH);
     d::Ground(p, ground, kH, kLine);
     d::Water(p, d::WaterRegion(region, surface_y, 0, kW, kH), surface_y, kLine * 0.8);
@@ -156,6 +164,7 @@ void Channel(QPainter& p, Figure f, bool flood) {
     g << QPointF(cx - s.ht, bank) << QPointF(cx - s.hb, bed) << QPointF(cx + s.hb, bed) << QPointF(cx + s.ht, bank);
     if (flood) g << QPointF(186, bank) << QPointF(198, 16);
     else g << QPointF(198, bank);
+    g = ToEdges(g);
     const double surface = flood ? 32 : 72;
     const QPainterPath region = d::GroundRegion(g, kH);
     d::Ground(p, g, kH, kLine);

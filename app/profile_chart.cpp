@@ -91,6 +91,8 @@ void ProfileChart::Show(const std::vector<ProfilePoint>& points) {
     y->setTitleText(QStringLiteral("Cota (m)"));
     y->setRange(lo - margin, hi + margin * 1.5);
     y->setLabelFormat(QStringLiteral("%.2f"));
+    x->applyNiceNumbers();
+    y->applyNiceNumbers();
     c->addAxis(x, Qt::AlignBottom);
     c->addAxis(y, Qt::AlignLeft);
     for (QAbstractSeries* s : c->series()) {

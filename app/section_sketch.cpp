@@ -243,10 +243,13 @@ void PaintSketch(QPainter& p, const QRectF& box, const SectionSketch& k) {
     } else {
         QPolygonF outline;
         for (const QPointF& pt : k.ground) outline << QPointF(f.X(pt.x()), f.Y(pt.y()));
-        ground = d::GroundRegion(outline, below);
-        d::Ground(p, outline, below, std::max(1.0, unit * 0.15));
         QPainterPath all;
         all.addRect(QRectF(outline.first().x(), box.top(), outline.last().x() - outline.first().x(), box.height()));
+        // The ground goes on level beyond the outermost points, to the edges of the picture.
+        outline.prepend(QPointF(box.left() - 1, outline.first().y()));
+        outline.append(QPointF(box.right() + 1, outline.last().y()));
+        ground = d::GroundRegion(outline, below);
+        d::Ground(p, outline, below, std::max(1.0, unit * 0.15));
         inside = all.subtracted(ground);
     }
 
@@ -282,15 +285,28 @@ void PaintSketch(QPainter& p, const QRectF& box, const SectionSketch& k) {
     }
 
     QFont font = p.font();
-    font.setPixelSize(std::max(6, static_cast<int>(unit * 1.05)));
+    font.setPixelSize(std::max(6, static_cast<int>(unit)));
     p.setFont(font);
     p.setPen(d::kInk);
-    QString caption = k.caption;
-    const double exaggeration = f.sy / f.sx;
-    if (exaggeration > 1.05) caption += QStringLiteral(" · esc. vertical ×%1").arg(exaggeration, 0, 'f', 1);
     const QFontMetricsF fm(font);
-    p.drawText(QRectF(box.left() + unit * 0.4, box.top() + unit * 0.3, box.width() - unit * 0.8, box.height() * 0.16),
-               Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, fm.elidedText(caption, Qt::ElideRight, box.width() * 2));
+    const QRectF caption_box(box.left() + unit * 0.4, box.top() + unit * 0.3, box.width() - unit * 0.8, unit * 1.4);
+    p.drawText(caption_box, Qt::AlignLeft | Qt::AlignTop, fm.elidedText(k.caption, Qt::ElideRight, caption_box.width()));
+    // Heights stretched: said in the corner, over the ground.
+    const double exaggeration = f.sy / f.sx;
+    if (exaggeration > 1.05) {
+        QFont small = font;
+        small.setPixelSize(std::max(6, static_cast<int>(unit * 0.85)));
+        p.setFont(small);
+        const QString note = QStringLiteral("alturas ×%1").arg(exaggeration, 0, 'f', 1);
+        const QFontMetricsF sm(small);
+        QRectF r = sm.boundingRect(note).adjusted(-3, -1, 3, 1);
+        r.moveBottomRight(box.bottomRight() - QPointF(unit * 0.3, unit * 0.2));
+        p.setPen(Qt::NoPen);
+        p.setBrush(QColor(255, 255, 255, 210));
+        p.drawRect(r);
+        p.setPen(d::kInk);
+        p.drawText(r, Qt::AlignCenter, note);
+    }
     p.restore();
 }
 

@@ -62,15 +62,19 @@ std::string Trim(std::string_view s) {
     return std::string(s.substr(a, b - a));
 }
 
+// The label standing closest above the column's first box.
 std::string Heading(const forms::Screen& screen, const Column& col) {
     const int top = col.ys.front();
+    const Control* best = nullptr;
     for (const auto& c : screen.Controls()) {
         if (c.kind != Kind::Label) continue;
         const int centre = c.place.x + c.place.w / 2;
         const int bottom = c.place.y + c.place.h;
-        if (centre >= col.x && centre < col.x + col.w && bottom <= top && bottom >= top - kHeadingReach) return Trim(c.text);
+        if (centre >= col.x && centre < col.x + col.w && bottom <= top && bottom >= top - kHeadingReach &&
+            (!best || bottom > best->place.y + best->place.h))
+            best = &c;
     }
-    return "";
+    return best ? Trim(best->text) : "";
 }
 
 std::vector<std::vector<std::string>> SplitCells(std::string_view text) {
@@ -120,7 +124,9 @@ std::vector<BoxTable> FindTables(const forms::Screen& screen) {
             t.headings.push_back(Heading(screen, columns[c]));
             for (std::size_t r = 0; r < columns[c].names.size(); ++r) t.cells[r].push_back(columns[c].names[r]);
         }
-        tables.push_back(std::move(t));
+        // A column of form fields with their captions beside them is no table: a table has headings.
+        if (std::none_of(t.headings.begin(), t.headings.end(), [](const std::string& h) { return h.empty(); }))
+            tables.push_back(std::move(t));
         k = end;
     }
     return tables;

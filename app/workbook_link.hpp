@@ -11,7 +11,8 @@ namespace cauce::app {
 void InstallWorkbooks();
 
 // The user's workbook of the screen (copied from the bundled example on first run), or "" when the
-// screen has none or the program was built without workbooks.
+// screen has none or the program was built without workbooks. Throws Fault when the data folder
+// cannot be made.
 std::string DefaultWorkbook(std::string_view screen);
 
 }  // namespace cauce::app

@@ -1,0 +1,402 @@
+// Each screen rendered by the desktop view: its controls where the layout puts them, typing and
+// clicking through the model, messages, faults, figures, marked numbers, tables and the clipboard.
+#include <QApplication>
+#include <QClipboard>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+#include <QToolButton>
+#include <QtTest>
+
+#include "app/desktop.hpp"
+#include "app/dialogs.hpp"
+#include "app/figure_widget.hpp"
+#include "app/navigator.hpp"
+#include "app/partial_number.hpp"
+#include "app/screen_view.hpp"
+#include "screens/registry.hpp"
+#include "support.hpp"
+
+using namespace cauce;
+using namespace cauce::apptest;
+using app::Figure;
+
+namespace {
+
+QString Q(const std::string& s) { return QString::fromStdString(s); }
+
+void Type(app::ScreenView& view, const char* box, const QString& text) {
+    QLineEdit* edit = view.Box(box);
+    QVERIFY2(edit, box);
+    edit->setFocus();
+    edit->selectAll();
+    if (text.isEmpty()) QTest::keyClick(edit, Qt::Key_Delete);
+    else QTest::keyClicks(edit, text);
+}
+
+void Press(app::ScreenView& view, const char* button) { QTest::mouseClick(view.Button(button), Qt::LeftButton); }
+
+// One section of the README: a rectangle 2 m wide and 2 m deep, n 0.015, S 0.001, Q 2 m3/s.
+void TypeRectangle(app::ScreenView& view) {
+    const char* boxes[][2] = {{"Text61", "1"},      {"Text62", "1"},      {"Text1", "100"}, {"Text2", "2"}, {"Text3", "102"},
+                              {"Text4", "2"},       {"Text93", "0.015"}, {"Text94", "0.001"}, {"Text95", "2"}};
+    for (const auto& b : boxes) Type(view, b[0], b[1]);
+}
+
+struct Shown {
+    std::unique_ptr<forms::Screen> model;
+    std::unique_ptr<app::ScreenView> view;
+};
+
+Shown Show(const char* name, app::Prompter& prompter, QSize size = {1000, 720}) {
+    Shown s;
+    s.model = screens::MakeScreen(name);
+    s.view = std::make_unique<app::ScreenView>(*s.model, prompter);
+    s.view->resize(size);
+    s.view->show();
+    return s;
+}
+
+}  // namespace
+
+class Pantallas : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { app::LoadSpanishTranslation(); }
+
+    void everyScreenShowsItsModel_data() {
+        QTest::addColumn<QString>("screen");
+        for (std::string_view name : screens::ScreenNames()) QTest::newRow(std::string(name).c_str()) << Q(std::string(name));
+    }
+    // A widget per control, of its kind, with the model's text, at the layout's place.
+    void everyScreenShowsItsModel() {
+        QFETCH(QString, screen);
+        RecordingPrompter prompter;
+        auto s = Show(screen.toUtf8().constData(), prompter);
+        for (const auto& c : s.model->Controls()) {
+            QWidget* w = s.view->ControlWidget(c.name);
+            QVERIFY2(w, c.name.c_str());
+            const QRect r = w->geometry();
+            QCOMPARE(r, QRect(c.place.x, c.place.y, c.place.w, c.place.h));
+            switch (c.kind) {
+                case forms::Kind::TextBox: QCOMPARE(s.view->Box(c.name)->text(), Q(c.text)); break;
+                case forms::Kind::Label: QCOMPARE(s.view->Caption(c.name)->text(), Q(c.text)); break;
+                case forms::Kind::CommandButton: QCOMPARE(s.view->Button(c.name)->text(), Q(c.text).replace("&", "&&")); break;
+                case forms::Kind::PictureBox: QCOMPARE(s.view->Picture(c.name)->PictureText(), c.text); break;
+                case forms::Kind::Data: QCOMPARE(s.view->DataNavigator()->Caption(), Q(c.text)); break;
+            }
+        }
+    }
+
+    // The layout scales with the window and keeps its proportions, centred across.
+    void layoutScalesWithTheWindow_data() {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<double>("scale");
+        QTest::addColumn<int>("left");
+        QTest::newRow("half") << QSize(500, 360) << 0.5 << 0;
+        QTest::newRow("wide: the height rules") << QSize(1400, 540) << 0.75 << 325;
+        QTest::newRow("tall: the width rules") << QSize(800, 900) << 0.8 << 0;
+    }
+    void layoutScalesWithTheWindow() {
+        QFETCH(QSize, size);
+        QFETCH(double, scale);
+        QFETCH(int, left);
+        RecordingPrompter prompter;
+        auto s = Show("Form2", prompter, size);
+        QCOMPARE(s.view->Scale(), scale);
+        for (const char* name : {"Text1", "Command2", "Picture1", "Label25", "Data1"}) {
+            const forms::Place p = s.model->Get(name).place;
+            const QRect r = s.view->ControlWidget(name)->geometry();
+            QVERIFY2(std::abs(r.x() - (left + p.x * scale)) <= 1, name);
+            QVERIFY2(std::abs(r.y() - p.y * scale) <= 1, name);
+            QVERIFY2(std::abs(r.width() - p.w * scale) <= 1, name);
+            QVERIFY2(std::abs(r.height() - p.h * scale) <= 1, name);
+        }
+    }
+
+    // Tab goes through the text boxes and buttons in the order the screen declares them.
+    void tabFollowsTheDeclarationOrder() {
+        RecordingPrompter prompter;
+        auto s = Show("Form2", prompter);
+        QVERIFY(QTest::qWaitForWindowActive(s.view.get()));
+        const auto chain = s.view->TabChain();
+        QVERIFY(chain.size() > 90);
+        QCOMPARE(chain.front(), s.view->Box("Text62"));
+        chain.front()->setFocus();
+        for (std::size_t k = 1; k < 12; ++k) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QCOMPARE(QApplication::focusWidget(), chain[k]);
+        }
+    }
+
+    // "(Y?)" on the README's section: the depths written by the model, worked by hand (Manning for the
+    // rectangle, y (y / (1 + y))^(2/3) = 0.4743, y = 0.810, one 1 mm step above; critical depth
+    // (q^2 / g)^(1/3) = 0.467); being the last section, the buttons swap.
+    void form2SectionFromTheKeyboard() {
+        RecordingPrompter prompter;
+        auto s = Show("Form2", prompter);
+        TypeRectangle(*s.view);
+        QCOMPARE(s.model->Get("Text93").text, std::string("0.015"));
+        Press(*s.view, "Command2");
+        QVERIFY(prompter.faults.isEmpty());
+        QCOMPARE(s.view->Box("Text99")->text(), QStringLiteral("0.81"));
+        QCOMPARE(s.view->Box("Text100")->text(), QStringLiteral("0.47"));
+        QCOMPARE(s.view->Button("Command2")->text(), QString());
+        QCOMPARE(s.view->Button("Command1")->text(), QStringLiteral("Perfiles"));
+        app::FigureWidget* picture = s.view->Picture("Picture1");
+        QCOMPARE(picture->CurrentFigure(), Figure::Cauces1);
+        QVERIFY(picture->Sketch().has_value());
+        QVERIFY(std::abs(*picture->Sketch()->water - 100.81) < 0.006);
+        QCOMPARE(s.view->Picture("Picture2")->CurrentFigure(), Figure::Summer);
+        // "(Y?)" is spent: pressing its blank button does nothing.
+        Type(*s.view, "Text95", "3");
+        Press(*s.view, "Command2");
+        QCOMPARE(s.view->Box("Text99")->text(), QStringLiteral("0.81"));
+        // "Perfiles" without a start depth: the message beside its box.
+        Press(*s.view, "Command1");
+        QCOMPARE(s.view->Caption("Label32")->text(), QStringLiteral("Incluya Y inicial"));
+        QVERIFY(prompter.faults.isEmpty());
+    }
+
+    // Over the banks into a flood zone narrower than the channel: the message line, and the figure.
+    void form2MessagesAndFigures() {
+        RecordingPrompter prompter;
+        auto s = Show("Form2", prompter);
+        TypeRectangle(*s.view);
+        Type(*s.view, "Text61", "2");  // not the last section: "(Y?)" stays
+        Type(*s.view, "Text95", "12");
+        Type(*s.view, "Text96", "1");
+        Press(*s.view, "Command2");
+        QCOMPARE(s.view->Caption("Label31")->text(), QStringLiteral("El ancho B no puede ser menor que Tn. Ver Figura"));
+        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Cauces);
+        Type(*s.view, "Text96", "2");
+        Type(*s.view, "Text97", "0.04");
+        Press(*s.view, "Command2");
+        QCOMPARE(s.view->Caption("Label31")->text(), QStringLiteral("HAY DESBORDAMIENTO"));
+        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Cauces2);
+    }
+
+    // A fault: its Spanish message to the user, the screen as the model left it.
+    void faultIsReportedAndTheScreenStays() {
+        RecordingPrompter prompter;
+        auto s = Show("Form2", prompter);
+        TypeRectangle(*s.view);
+        Type(*s.view, "Text62", "51");
+        Press(*s.view, "Command2");
+        QCOMPARE(prompter.faults, QStringList{QStringLiteral("Subíndice fuera del intervalo: 51 no está entre 0 y 50")});
+        QCOMPARE(s.view->Box("Text62")->text(), QStringLiteral("51"));
+        QCOMPARE(s.view->Box("Text1")->text(), QStringLiteral("100"));
+        QCOMPARE(s.view->Button("Command2")->text(), QStringLiteral("(Y?)"));
+        // The screen goes on working.
+        Type(*s.view, "Text62", "1");
+        Press(*s.view, "Command2");
+        QCOMPARE(prompter.faults.size(), 1);
+        QCOMPARE(s.view->Box("Text99")->text(), QStringLiteral("0.81"));
+    }
+
+    // The real message box: warning text, Spanish button, and it does not end the program.
+    void faultMessageBoxIsSpanish() {
+        app::DialogPrompter prompter;
+        auto s = Show("Form2", prompter);
+        TypeRectangle(*s.view);
+        Type(*s.view, "Text93", "0");
+        QString text, button;
+        QTimer::singleShot(0, [&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            text = box->text();
+            button = box->buttons().value(0)->text();
+            box->accept();
+        });
+        Press(*s.view, "Command2");
+        QCOMPARE(text, QStringLiteral("División por cero"));
+        QCOMPARE(button.remove('&'), QStringLiteral("Aceptar"));
+        QVERIFY(s.view->isVisible());
+    }
+
+    // What the user reads: the font has the Spanish letters.
+    void accentsHaveGlyphs() {
+        RecordingPrompter prompter;
+        auto s = Show("Form2", prompter);
+        const QFontMetrics fm(s.view->Caption("Label25")->font());
+        for (char32_t c : {U'á', U'é', U'í', U'ó', U'ú', U'ñ', U'Ñ', U'Á'}) QVERIFY(fm.inFontUcs4(c));
+    }
+
+    // "2,5" reads 2: the box is marked and says why; the model keeps the text as typed.
+    void partReadNumbersAreMarked() {
+        RecordingPrompter prompter;
+        auto s = Show("Form2", prompter);
+        QLineEdit* box = s.view->Box("Text93");
+        Type(*s.view, "Text93", "0,015");
+        QCOMPARE(s.model->Get("Text93").text, std::string("0,015"));
+        QVERIFY(box->property("lecturaParcial").toBool());
+        QVERIFY(box->toolTip().contains(QStringLiteral("el separador decimal es el punto")));
+        QVERIFY(box->toolTip().contains(QStringLiteral("escriba 0.015")));
+        Type(*s.view, "Text93", "0.015");
+        QVERIFY(!box->property("lecturaParcial").toBool());
+        QVERIFY(box->toolTip().isEmpty());
+        // A profile type is text, not a number read in part.
+        Type(*s.view, "Text32", "M1");
+        QVERIFY(!s.view->Box("Text32")->property("lecturaParcial").toBool());
+    }
+
+    void partialReadings_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("marked");
+        QTest::addColumn<QString>("read");
+        QTest::newRow("decimal comma") << "2,5" << true << "2";
+        QTest::newRow("two points") << "1.5.2" << true << "1.5";
+        QTest::newRow("unit after the number") << "3 m" << true << "3";
+        QTest::newRow("exponent without digits") << "1e" << true << "1";
+        QTest::newRow("sign, blank, comma") << "- 2,5" << true << "- 2";
+        QTest::newRow("hexadecimal with a bad digit") << "&H1G" << true << "&H1";
+        QTest::newRow("number") << "0.015" << false << "";
+        QTest::newRow("blanks around") << "  3  " << false << "";
+        QTest::newRow("blanks between digits") << "1 000" << false << "";
+        QTest::newRow("exponent") << "1.5E-3" << false << "";
+        QTest::newRow("legacy D exponent") << "2D2" << false << "";
+        QTest::newRow("hexadecimal") << "&H1F" << false << "";
+        QTest::newRow("nothing numeric") << "Sin límite" << false << "";
+        QTest::newRow("empty") << "" << false << "";
+    }
+    void partialReadings() {
+        QFETCH(QString, text);
+        QFETCH(bool, marked);
+        QFETCH(QString, read);
+        const auto r = app::ReadsInPart(text.toStdString());
+        QCOMPARE(r.has_value(), marked);
+        if (r) QCOMPARE(Q(r->read), read);
+    }
+
+    // The two tables of Form2 and their headings, found from the layout.
+    void tablesOfForm2() {
+        auto screen = screens::MakeScreen("Form2");
+        const auto tables = app::FindTables(*screen);
+        QCOMPARE(tables.size(), std::size_t{2});
+        QCOMPARE(tables[0].Rows(), 15);
+        QCOMPARE(tables[0].headings, (std::vector<std::string>{"Z fondo m", "Ancho m"}));
+        QCOMPARE(tables[0].cells[14], (std::vector<std::string>{"Text29", "Text30"}));
+        QCOMPARE(tables[1].headings, (std::vector<std::string>{"Abscisa m", "Perfil Tipo", "Z agua m", "V media m/s"}));
+        QCOMPARE(tables[1].cells[0], (std::vector<std::string>{"Text31", "Text32", "Text63", "Text78"}));
+        QCOMPARE(tables[1].cells[7], (std::vector<std::string>{"Text45", "Text46", "Text70", "Text85"}));
+    }
+
+    // Columns of form fields are not tables; the scour screen has three.
+    void tablesOfTheOtherScreens_data() {
+        QTest::addColumn<QString>("screen");
+        QTest::addColumn<int>("tables");
+        QTest::newRow("Form1") << "Form1" << 0;
+        QTest::newRow("Form3") << "Form3" << 3;
+        QTest::newRow("Form4") << "Form4" << 2;
+        QTest::newRow("Form5") << "Form5" << 1;
+    }
+    void tablesOfTheOtherScreens() {
+        QFETCH(QString, screen);
+        QFETCH(int, tables);
+        QCOMPARE(int(app::FindTables(*screens::MakeScreen(screen.toStdString())).size()), tables);
+    }
+
+    // Copy gives tab-separated text a spreadsheet takes; pasting it back fills the boxes from the
+    // box with the cursor, through the model.
+    void tableCopyAndPaste() {
+        RecordingPrompter prompter;
+        auto s = Show("Form2", prompter);
+        Type(*s.view, "Text1", "100");
+        Type(*s.view, "Text2", "2");
+        Type(*s.view, "Text3", "102,5");
+        QVERIFY(s.view->CopyTable("Text2"));
+        const QString copied = QApplication::clipboard()->text();
+        QVERIFY(copied.startsWith(QStringLiteral("Z fondo m\tAncho m\n100\t2\n102,5\t\n\t\n")));
+        QCOMPARE(copied.count('\n'), 16);
+
+        // From a spreadsheet: Windows line ends, the heading row, cells beyond the table.
+        QApplication::clipboard()->setText(QStringLiteral("Z fondo m\tAncho m\r\n101\t3\t99\r\n103\t7\r\n"));
+        QVERIFY(s.view->PasteTable("Text3", QApplication::clipboard()->text()));
+        QCOMPARE(s.model->Get("Text3").text, std::string("101"));
+        QCOMPARE(s.model->Get("Text4").text, std::string("3"));
+        QCOMPARE(s.model->Get("Text5").text, std::string("103"));
+        QCOMPARE(s.model->Get("Text6").text, std::string("7"));
+        QCOMPARE(s.view->Box("Text5")->text(), QStringLiteral("103"));
+        QCOMPARE(s.model->Get("Text1").text, std::string("100"));
+
+        // Ctrl+V of several cells in a box of a table pastes into the table, not into the one box.
+        QApplication::clipboard()->setText(QStringLiteral("0\tM1\n60\tM2\n"));
+        s.view->Box("Text31")->setFocus();
+        QTest::keySequence(s.view->Box("Text31"), QKeySequence::Paste);
+        QCOMPARE(s.model->Get("Text31").text, std::string("0"));
+        QCOMPARE(s.model->Get("Text32").text, std::string("M1"));
+        QCOMPARE(s.model->Get("Text33").text, std::string("60"));
+        QCOMPARE(s.model->Get("Text34").text, std::string("M2"));
+        // A single value pastes into the box as usual.
+        QApplication::clipboard()->setText(QStringLiteral("0.02"));
+        Type(*s.view, "Text93", "");
+        QTest::keySequence(s.view->Box("Text93"), QKeySequence::Paste);
+        QCOMPARE(s.model->Get("Text93").text, std::string("0.02"));
+    }
+
+    // Form1: the type buttons set the layout and its figure; the conduit's figure follows the depth.
+    // Depths by bisection of Manning's equation for a 1 m pipe, n 0.013, S 0.001: Q 0.1 gives
+    // y/D 0.245, Q 0.3 gives 0.437, Q 0.5 gives 0.593.
+    void form1ConduitFigures_data() {
+        QTest::addColumn<QString>("discharge");
+        QTest::addColumn<QString>("depth");
+        QTest::addColumn<int>("figure");
+        QTest::newRow("below 0.3 D") << "0.1" << "0.25" << int(Figure::Circulo);
+        QTest::newRow("below half") << "0.3" << "0.44" << int(Figure::Circulo2);
+        QTest::newRow("above half") << "0.5" << "0.59" << int(Figure::Circulo3);
+    }
+    void form1ConduitFigures() {
+        QFETCH(QString, discharge);
+        QFETCH(QString, depth);
+        QFETCH(int, figure);
+        RecordingPrompter prompter;
+        auto s = Show("Form1", prompter);
+        Press(*s.view, "Command2");
+        QCOMPARE(s.view->Button("Command2")->text(), QStringLiteral("CIRCULAR"));
+        QCOMPARE(s.view->Button("Command1")->text(), QStringLiteral("Tp"));
+        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Circulo);
+        Type(*s.view, "Text1", "0.013");
+        Type(*s.view, "Text2", "0.001");
+        Type(*s.view, "Text3", "1");
+        Type(*s.view, "Text8", discharge);
+        Press(*s.view, "Command6");
+        QVERIFY(prompter.faults.isEmpty());
+        QCOMPARE(s.view->Box("Text9")->text(), depth);
+        QCOMPARE(int(s.view->Picture("Picture1")->CurrentFigure()), figure);
+        const auto& sketch = s.view->Picture("Picture1")->Sketch();
+        QVERIFY(sketch.has_value());
+        QVERIFY(sketch->Conduit());
+        // The trapezoidal buttons of the other layout are blank and do nothing.
+        Press(*s.view, "Command4");
+        QCOMPARE(s.view->Box("Text9")->text(), depth);
+    }
+
+    // Form1's trapezoidal family: the figure names the shape; a missing roughness is a message.
+    void form1ChannelMessagesAndFigures() {
+        RecordingPrompter prompter;
+        auto s = Show("Form1", prompter);
+        QCOMPARE(s.view->Caption("Label17")->text(), QStringLiteral("SELECCIONE EL TIPO DE CANAL"));
+        Press(*s.view, "Command1");
+        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Ctrape1);
+        Type(*s.view, "Text2", "0.001");
+        Type(*s.view, "Text3", "0");
+        Type(*s.view, "Text4", "1.5");
+        Type(*s.view, "Text8", "1");
+        Press(*s.view, "Command4");
+        QCOMPARE(s.view->Caption("Label21")->text(), QStringLiteral("Falta la Rugosidad"));
+        QCOMPARE(s.view->Button("Command1")->text(), QStringLiteral("TRIANGULAR"));
+        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Ctrian1);
+        QVERIFY(!s.view->Picture("Picture1")->Sketch().has_value());
+        Type(*s.view, "Text1", "0.014");
+        Press(*s.view, "Command4");
+        QVERIFY(prompter.faults.isEmpty());
+        QVERIFY(!s.view->Box("Text9")->text().isEmpty());
+        QVERIFY(s.view->Picture("Picture1")->Sketch().has_value());
+    }
+};
+
+QTEST_MAIN(Pantallas)
+#include "tst_pantallas.moc"
