@@ -1,0 +1,268 @@
+// The desktop around the screens: the windows, the record navigator over a workbook, opening
+// another workbook, the screen menu, "Salir" and closing with pending edits, the profile plot.
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QToolButton>
+#include <QtTest>
+
+#include "app/desktop.hpp"
+#include "app/navigator.hpp"
+#include "app/profile_chart.hpp"
+#include "app/screen_view.hpp"
+#include "app/screen_window.hpp"
+#include "forms/format.hpp"
+#include "forms/val.hpp"
+#include "support.hpp"
+
+using namespace cauce;
+using namespace cauce::apptest;
+
+namespace {
+
+QString Q(const std::string& s) { return QString::fromStdString(s); }
+
+void Type(app::ScreenView* view, const char* box, const QString& text) {
+    QLineEdit* edit = view->Box(box);
+    edit->setFocus();
+    edit->selectAll();
+    QTest::keyClicks(edit, text);
+}
+
+void Click(QAbstractButton* button) { QTest::mouseClick(button, Qt::LeftButton); }
+
+// Three sections of a rectangular channel 3 m wide falling 0.06 m in 60 m (S 0.001), 6 m3/s.
+std::shared_ptr<MemorySheet> Reach() {
+    std::vector<std::map<std::string, std::string>> rows;
+    for (int k = 1; k <= 3; ++k) {
+        const double bed = 100.12 - 0.06 * k;
+        auto row = SectionRow(k, 3, {{bed, 3.0}, {bed + 3.0, 3.0}}, 0.015, 0.001, 6.0);
+        for (int j = 1; j <= 3; ++j) row["Abscisa" + std::to_string(j)] = std::to_string(60 * (j - 1));
+        rows.push_back(row);
+    }
+    return MakeSheet(Form2Columns(), rows);
+}
+
+QAction* MenuAction(QMainWindow* w, const QString& menu, const QString& text) {
+    for (QAction* m : w->menuBar()->actions())
+        if (m->text().remove('&') == menu)
+            for (QAction* a : m->menu()->actions())
+                if (a->text().remove('&') == text || a->objectName() == text) return a;
+    return nullptr;
+}
+
+}  // namespace
+
+class Ventanas : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { InstallMemoryBooks(); }
+    void init() {
+        Books().clear();
+        Books()["rios.xlsx"] = Reach();
+    }
+
+    // The program starts on Form2 bound to its workbook: title, navigator, the first record shown.
+    void startsOnForm2BoundToItsWorkbook() {
+        RecordingPrompter prompter;
+        std::vector<std::string> asked;
+        app::Desktop desktop(prompter, [&](std::string_view s) {
+            asked.emplace_back(s);
+            return std::string("rios.xlsx");
+        });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        QCOMPARE(asked, std::vector<std::string>{"Form2"});
+        QCOMPARE(w->windowTitle(), Q(w->Model().Title()));
+        QVERIFY(w->windowTitle().contains(QStringLiteral("cauces naturales")));
+        app::Navigator* nav = w->View()->DataNavigator();
+        QCOMPARE(nav->Caption(), QStringLiteral("Perfiles en cauces"));
+        QCOMPARE(nav->Position(), QStringLiteral("Registro 1 de 3"));
+        QVERIFY(!nav->First()->isEnabled());
+        QVERIFY(!nav->Previous()->isEnabled());
+        QVERIFY(nav->Next()->isEnabled());
+        QCOMPARE(w->View()->Box("Text62")->text(), QStringLiteral("1"));
+        QCOMPARE(w->View()->Box("Text1")->text(), QStringLiteral("100.06"));
+        QVERIFY(prompter.faults.isEmpty());
+        QVERIFY(desktop.Exit());
+        QVERIFY(desktop.Windows().empty());
+    }
+
+    // The navigator moves through the records; an edit is saved into the record it leaves.
+    void navigatorMovesAndSaves() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        app::ScreenView* view = w->View();
+        app::Navigator* nav = view->DataNavigator();
+        Click(nav->Next());
+        QCOMPARE(nav->Position(), QStringLiteral("Registro 2 de 3"));
+        QCOMPARE(view->Box("Text62")->text(), QStringLiteral("2"));
+        Click(nav->Last());
+        QCOMPARE(nav->Position(), QStringLiteral("Registro 3 de 3"));
+        QVERIFY(!nav->Next()->isEnabled());
+        QVERIFY(!nav->Last()->isEnabled());
+        Type(view, "Text95", "7.5");
+        Click(nav->Previous());
+        QCOMPARE(nav->Position(), QStringLiteral("Registro 2 de 3"));
+        QCOMPARE(Books()["rios.xlsx"]->rows[2]["Caudal"], std::string("7.5"));
+        QCOMPARE(Books()["rios.xlsx"]->saves, 1);
+        Click(nav->First());
+        QCOMPARE(nav->Position(), QStringLiteral("Registro 1 de 3"));
+        QCOMPARE(Books()["rios.xlsx"]->saves, 1);  // nothing changed on record 2
+        QVERIFY(prompter.faults.isEmpty());
+        desktop.Exit();
+    }
+
+    // A save that fails on a move: the message, and the screen stays on its record.
+    void failedSaveOnMoveIsReported() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        Books()["rios.xlsx"]->fail_save = "No se puede guardar el libro: el disco está lleno";
+        Type(w->View(), "Text95", "9");
+        Click(w->View()->DataNavigator()->Next());
+        QCOMPARE(prompter.faults, QStringList{QStringLiteral("No se puede guardar el libro: el disco está lleno")});
+        QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 3"));
+        QCOMPARE(w->View()->Box("Text95")->text(), QStringLiteral("9"));
+        // Closing asks whether to lose the edit; "No" keeps the window.
+        prompter.answer = false;
+        QVERIFY(!desktop.Exit());
+        QCOMPARE(prompter.questions.size(), 1);
+        QVERIFY(prompter.questions[0].contains(QStringLiteral("¿Cerrar sin guardarlos?")));
+        QCOMPARE(desktop.Windows().size(), std::size_t{1});
+        prompter.answer = true;
+        QVERIFY(desktop.Exit());
+        QVERIFY(desktop.Windows().empty());
+    }
+
+    // "Abrir libro...": the workbook chosen; one that cannot be opened leaves the screen as it was.
+    void openAnotherWorkbook() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        auto other = Reach();
+        other->rows.resize(2);
+        Books()["otro.xls"] = other;
+        QAction* open = MenuAction(w, QStringLiteral("Archivo"), QStringLiteral("Abrir libro..."));
+        QVERIFY(open);
+        prompter.path = QStringLiteral("otro.xls");
+        open->trigger();
+        QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 2"));
+        QCOMPARE(w->Model().WorkbookPath(), std::string("otro.xls"));
+        prompter.path = QStringLiteral("no-existe.xlsx");
+        open->trigger();
+        QCOMPARE(prompter.faults, QStringList{QStringLiteral("No se puede abrir el libro \"no-existe.xlsx\"")});
+        QCOMPARE(w->Model().WorkbookPath(), std::string("otro.xls"));
+        QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 2"));
+        // Cancelling the dialog changes nothing.
+        prompter.path.clear();
+        open->trigger();
+        QCOMPARE(w->Model().WorkbookPath(), std::string("otro.xls"));
+        desktop.Exit();
+    }
+
+    // Without a workbook: the navigator says so and does not move.
+    void navigatorWithoutAWorkbook() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
+        app::ScreenWindow* w = desktop.Open("Form4");
+        app::Navigator* nav = w->View()->DataNavigator();
+        QCOMPARE(nav->Caption(), QStringLiteral("Perfiles de zorvena"));
+        QCOMPARE(nav->Position(), QStringLiteral("Sin libro abierto"));
+        QVERIFY(!nav->Next()->isEnabled());
+        desktop.Exit();
+    }
+
+    // The screen menu opens any screen in a window of its own, with a fresh state each time.
+    void screensMenuOpensFreshScreens() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
+        app::ScreenWindow* first = desktop.Open("Form2");
+        Type(first->View(), "Text1", "250");
+        QAction* form1 = MenuAction(first, QStringLiteral("Pantallas"), QStringLiteral("Form1"));
+        QAction* form2 = MenuAction(first, QStringLiteral("Pantallas"), QStringLiteral("Form2"));
+        QVERIFY(form1 && form2);
+        QVERIFY(form1->text().startsWith(QStringLiteral("Form1: ")));
+        form1->trigger();
+        form2->trigger();
+        QCOMPARE(desktop.Windows().size(), std::size_t{3});
+        QCOMPARE(desktop.Windows()[1]->Model().Name(), std::string("Form1"));
+        app::ScreenWindow* second = desktop.Windows()[2];
+        QCOMPARE(second->Model().Name(), std::string("Form2"));
+        QCOMPARE(second->View()->Box("Text1")->text(), QString());
+        QCOMPARE(first->View()->Box("Text1")->text(), QStringLiteral("250"));
+        QVERIFY(desktop.Exit());
+    }
+
+    // "Salir" on any screen saves every window's pending edits and closes them all.
+    void salirSavesAndEnds() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
+        app::ScreenWindow* form2 = desktop.Open("Form2");
+        app::ScreenWindow* form1 = desktop.Open("Form1");
+        QVERIFY(form1);
+        Type(form2->View(), "Text96", "40");
+        QPointer<app::ScreenWindow> alive = form2;
+        Click(form1->View()->Button("Command3"));
+        QVERIFY(desktop.Windows().empty());
+        QCOMPARE(Books()["rios.xlsx"]->rows[0]["Ancho Zi"], std::string("40"));
+        QCOMPARE(Books()["rios.xlsx"]->saves, 1);
+        QTest::qWait(10);  // deferred deletion
+        QVERIFY(alive.isNull());
+    }
+
+    // Closing one window saves its record too.
+    void closingAWindowSaves() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        Type(w->View(), "Text97", "0.05");
+        QVERIFY(w->close());
+        QCOMPARE(Books()["rios.xlsx"]->rows[0]["Rugosidad Zi"], std::string("0.05"));
+        QVERIFY(desktop.Windows().empty());
+    }
+
+    // After "Perfiles" the plot appears beside the table and shows what the table shows.
+    void profilePlotAfterPerfiles() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        QVERIFY(QTest::qWaitForWindowExposed(w));
+        app::ScreenView* view = w->View();
+        for (int k = 0; k < 3; ++k) {
+            if (k) Click(view->DataNavigator()->Next());
+            Click(view->Button("Command2"));
+        }
+        QVERIFY(w->Chart()->isHidden());
+        const int narrow = w->width();
+        Type(view, "Text98", "1.2");
+        Click(view->Button("Command1"));
+        QVERIFY(prompter.faults.isEmpty());
+        QVERIFY(w->Chart()->isVisible());
+        QVERIFY(w->width() > narrow);
+        const auto& points = w->Chart()->Points();
+        QCOMPARE(points.size(), std::size_t{3});
+        const char* chainage[] = {"Text31", "Text33", "Text35"};
+        const char* type[] = {"Text32", "Text34", "Text36"};
+        const char* water[] = {"Text63", "Text64", "Text65"};
+        QStringList labels;
+        for (int k = 0; k < 3; ++k) {
+            QCOMPARE(points[k].section, k + 1);
+            QCOMPARE(points[k].chainage, forms::Val(view->Box(chainage[k])->text().toStdString()));
+            QCOMPARE(points[k].type, view->Box(type[k])->text());
+            QCOMPARE(Q(forms::Format(points[k].water, "0.00")), view->Box(water[k])->text());
+            QCOMPARE(points[k].bed, 100.12 - 0.06 * (k + 1));
+            QVERIFY(points[k].critical > points[k].bed);
+            labels << QStringLiteral("%1 %2").arg(k + 1).arg(points[k].type);
+        }
+        QCOMPARE(w->Chart()->TypeLabels(), labels);
+        // The 3 m rectangle at 6 m3/s: critical depth (2^2 / 9.81)^(1/3) = 0.742 m above the bed.
+        QVERIFY(std::abs(points[2].critical - points[2].bed - 0.742) < 0.005);
+        desktop.Exit();
+    }
+};
+
+QTEST_MAIN(Ventanas)
+#include "tst_ventanas.moc"
