@@ -3,6 +3,7 @@
 // without walking every one, and give exactly the depth the march would hold after j additions.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -37,9 +38,8 @@ private:
 double Accumulate(double x, double c, std::int64_t j);
 
 // The first j in [lo, hi] for which reached(j) is true, assuming reached is false up to some step
-// and true from there on (a monotone crossing); hi + 1 when it is never reached. Because rounding
-// can blur a crossing by a few units in the last place, the steps just before the one found are
-// checked again, so the answer is the first step as a literal march would find it.
+// and true from there on (a monotone crossing); hi + 1 when it is never reached. The callers use it
+// only where the quantity changes by far more from one step to the next than rounding can blur.
 template <typename Reached>
 std::int64_t FirstReached(std::int64_t lo, std::int64_t hi, Reached&& reached) {
     if (lo > hi) return hi + 1;
@@ -60,8 +60,58 @@ std::int64_t FirstReached(std::int64_t lo, std::int64_t hi, Reached&& reached) {
         const std::int64_t mid = below + (above - below) / 2;
         (reached(mid) ? above : below) = mid;
     }
-    for (int back = 0; back < 4 && above > lo && reached(above - 1); ++back) --above;
     return above;
+}
+
+// The same search started from a guess of the step (from a root finder on the continuous quantity):
+// when the guess is right, two evaluations confirm it; otherwise it gallops from the guess.
+template <typename Reached>
+std::int64_t FirstReachedNear(std::int64_t lo, std::int64_t hi, std::int64_t guess, Reached&& reached) {
+    if (lo > hi) return hi + 1;
+    guess = guess < lo ? lo : guess > hi ? hi : guess;
+    std::int64_t below, above;
+    if (reached(guess)) {
+        above = guess;
+        below = guess - 1;
+        for (std::int64_t step = 1; below >= lo && reached(below); step *= 2) {
+            above = below;
+            below = above - step < lo ? lo - 1 : above - step;
+        }
+    } else {
+        below = guess;
+        above = guess + 1;
+        for (std::int64_t step = 1;; step *= 2) {
+            if (above > hi) {
+                if (below == hi || !reached(hi)) return hi + 1;
+                above = hi;
+                break;
+            }
+            if (reached(above)) break;
+            below = above;
+            above = below + step;
+        }
+    }
+    while (above - below > 1) {
+        const std::int64_t mid = below + (above - below) / 2;
+        (reached(mid) ? above : below) = mid;
+    }
+    return above;
+}
+
+// A few steps of Newton's method from x, kept inside [lo, hi]; fdf(x) gives {f(x), f'(x)}. The
+// result is only a guess of a march's stopping depth, so a tenth of a millimetre is close enough.
+template <typename FDF>
+double NewtonGuess(double x, double lo, double hi, FDF&& fdf) {
+    for (int it = 0; it < 30; ++it) {
+        const auto [f, d] = fdf(x);
+        if (!(d != 0)) break;
+        double next = x - f / d;
+        if (!(next > lo)) next = (x + lo) / 2;
+        if (!(next < hi)) next = (x + hi) / 2;
+        if (std::fabs(next - x) < 1e-5) return next;
+        x = next;
+    }
+    return x;
 }
 
 }  // namespace cauce

@@ -9,6 +9,7 @@
 // found by a bracketing search over the step count instead of walking every step.
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "hydraulics/accumulate.hpp"
 #include "hydraulics/natural/state.hpp"
@@ -63,11 +64,20 @@ bool State::CriticaFast(int s, double fr) {
         if (!(Qc > 0 && top > 0 && t0 >= 0 && a0 >= 0 && mm >= 0 && 3 * t0 * t0 >= 2 * mm * a0)) return false;
         Accumulation steps(top, -0.001);  // h = h - 0.001 from the top of the band
         auto depth = [&steps](std::int64_t j) { return steps.At(j); };
-        // The last step that still leaves water in the band.
-        std::int64_t last = static_cast<std::int64_t>(std::floor(top / 0.001)) + 2;
-        while (last > 0 && !(depth(last) > 0)) --last;
-        if (last >= kMarchBudget || !(depth(last) > 0)) return false;
-        const std::int64_t stop = FirstReached(0, last, [&](std::int64_t j) { return InBand(*this, s, depth(j)) >= 1; });
+        // Steps that surely leave water in the band (the accumulated steps stray from j x 0.001 by
+        // far less than a step); a crossing below them is left to the march.
+        const double span = std::floor(top / 0.001) - 2;
+        if (!(span >= 1 && span < static_cast<double>(kMarchBudget))) return false;
+        const auto last = static_cast<std::int64_t>(span);
+        // Critical flow, A^3 = (Qc^2 / g) T, by Newton on the continuous depth: a guess of the step.
+        const double q2g = Qc * Qc / 9.81;
+        auto excess = [&](double y) {
+            const double a = a0 + y * (t0 + mm * y), t = t0 + 2 * mm * y;
+            return std::pair{a * a * a - q2g * t, 3 * a * a * t - q2g * 2 * mm};
+        };
+        const double y = NewtonGuess(top, 0.0, top, excess);
+        const std::int64_t stop = FirstReachedNear(0, last, static_cast<std::int64_t>(std::ceil((top - y) / 0.001)),
+                                                   [&](std::int64_t j) { return InBand(*this, s, depth(j)) >= 1; });
         if (stop > last) return false;  // still subcritical at the band's foot: walk the march on
         Yc(s) = Yj(s, k - 1) + (depth(stop) - 0.001);
         return true;

@@ -5,7 +5,9 @@
 // with two 45-degree sides. The depth over the banks is marched in 2 mm steps until both carry Q.
 // Both discharges only rise with the depth, so the stopping step is found by a bracketing search over
 // the step count, with exactly the march's results.
+#include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "hydraulics/accumulate.hpp"
 #include "hydraulics/natural/state.hpp"
@@ -77,7 +79,20 @@ bool State::FloodFast(int s) {
     std::int64_t stop = 0;
     try {
         auto height = [](std::int64_t j) { return OverBankSteps().At(j); };
-        stop = FirstReached(1, kMarchBudget, [&](std::int64_t j) { return !(AtHeight(*this, s, height(j)).qt < Q(s)); });
+        // Where channel plus flood zone carry Q, by Newton on the continuous height: a guess.
+        const int top = npts(s);
+        const double tn = T(s, top), abank = Acum(s, top), w = B - tn, rs = std::sqrt(S0(s));
+        const double pb23 = std::pow(Pcum(s, top), 2.0 / 3.0);
+        auto excess = [&](double y) {
+            const double am = abank + y * (tn + y), af = w * y, pf = w + 2 * std::sqrt(2.0) * y;
+            const double qm = rs * std::pow(am, 5.0 / 3.0) / n / pb23;
+            const double qf = af > 0 ? rs * std::pow(af, 5.0 / 3.0) / nz / std::pow(pf, 2.0 / 3.0) : 0.0;
+            const double dqf = af > 0 ? qf * (5.0 / 3.0 / y - 2.0 / 3.0 * 2 * std::sqrt(2.0) / pf) : 0.0;
+            return std::pair{qm + qf - Q(s), qm * 5.0 / 3.0 * (tn + 2 * y) / am + dqf};
+        };
+        const double y = NewtonGuess(1.0, 0.0, 1e4, excess);
+        stop = FirstReachedNear(1, kMarchBudget, static_cast<std::int64_t>(std::ceil(y / 0.002)),
+                                [&](std::int64_t j) { return !(AtHeight(*this, s, height(j)).qt < Q(s)); });
         if (stop <= kMarchBudget) {
             hz = height(stop);
             const OverBank o = AtHeight(*this, s, hz);
@@ -134,8 +149,14 @@ double State::OverBankCritical(int s, double frb) {
     if (!literal && frb > 1 && Qm > 0 && tn > 0 && abank > 0 && 2 * abank <= 3 * tn * tn) {
         try {
             auto height = [](std::int64_t j) { return OverBankSteps().At(j); };
-            const std::int64_t stop =
-                FirstReached(1, kMarchBudget, [&](std::int64_t j) { return !(froude(height(j)) > 1); });
+            const double q2g = Qm * Qm / 9.81;
+            auto excess = [&](double y) {
+                const double a = abank + y * (tn + y), t = tn + 2 * y;
+                return std::pair{a * a * a - q2g * t, 3 * a * a * t - 2 * q2g};
+            };
+            const double y = NewtonGuess(0.0, -1.0, 1e4, excess);
+            const std::int64_t stop = FirstReachedNear(1, kMarchBudget, static_cast<std::int64_t>(std::ceil(y / 0.002)),
+                                                       [&](std::int64_t j) { return !(froude(height(j)) > 1); });
             if (stop <= kMarchBudget) return height(stop);
         } catch (const Fault&) {
         }

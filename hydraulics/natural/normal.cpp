@@ -6,7 +6,9 @@
 //
 // The march's h after j steps is 0.001 added to itself j - 1 times; within a band whose conveyance
 // only rises the first step reaching Q is found by a bracketing search over j instead.
+#include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "hydraulics/accumulate.hpp"
 #include "hydraulics/natural/state.hpp"
@@ -74,8 +76,18 @@ bool State::NormalFast(int s) {
         if (!(t0 >= 0 && a0 >= 0 && mm >= 0 && 5 * t0 * p0 >= 2 * (2 * Sqr(1 + mm * mm)) * a0)) return false;
         thread_local Accumulation steps(0.001, 0.001);  // h = 0.001, then h = h + 0.001
         auto depth = [](std::int64_t j) { return steps.At(j - 1); };
-        const std::int64_t stop =
-            FirstReached(1, kMarchBudget, [&](std::int64_t j) { return InBand(*this, s, depth(j)).q >= q; });
+        // Where Manning's equation crosses q in the band, by Newton on the continuous depth: only a
+        // guess of the step, which the search then confirms on the march's own depths.
+        const double coef = std::sqrt(S0(s)) / n, dp = 2 * std::sqrt(1 + mm * mm);
+        auto excess = [&](double y) {
+            const double a = a0 + y * (t0 + mm * y), p = p0 + dp * y;
+            const double f = coef * std::pow(a, 5.0 / 3.0) / std::pow(p, 2.0 / 3.0);
+            return std::pair{f - q, f * (5.0 / 3.0 * (t0 + 2 * mm * y) / a - 2.0 / 3.0 * dp / p)};
+        };
+        const double top = Z(s, k) - Z(s, k - 1);
+        const double y = NewtonGuess(top > 0 ? top : 1.0, 0.0, 1e4, excess);
+        const std::int64_t stop = FirstReachedNear(1, kMarchBudget, static_cast<std::int64_t>(std::ceil(y / 0.001)),
+                                                   [&](std::int64_t j) { return InBand(*this, s, depth(j)).q >= q; });
         if (stop <= kMarchBudget) {
             const double hstop = depth(stop);
             const BandFlow f = InBand(*this, s, hstop);
