@@ -110,7 +110,9 @@ void Screen::OpenWorkbook(const std::string& path) {
     save_note_.clear();
     if (!missing.empty()) {
         std::string names;
-        for (const auto& m : missing) names += (names.empty() ? "\"" : ", \"") + m + "\"";
+        const std::size_t shown = missing.size() > 8 ? 6 : missing.size();  // a sheet of another kind lacks dozens
+        for (std::size_t i = 0; i < shown; ++i) names += (names.empty() ? "\"" : ", \"") + missing[i] + "\"";
+        if (shown < missing.size()) names += " y " + std::to_string(missing.size() - shown) + " más";
         notice_ = "La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene " +
                   (missing.size() == 1 ? "la columna " : "las columnas ") + names + ": " +
                   (missing.size() == 1 ? "su cuadro queda sin enlazar." : "sus cuadros quedan sin enlazar.");

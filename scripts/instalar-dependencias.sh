@@ -8,7 +8,7 @@ packages=(
   libzip-dev libpugixml-dev zipcmp zipmerge ziptool libfreexl-dev
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  python3 python3-openpyxl poppler-utils
+  python3 python3-openpyxl python3-xlwt poppler-utils
   clang libclang-rt-14-dev
 )
 missing=()

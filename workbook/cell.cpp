@@ -19,7 +19,8 @@ std::optional<double> NumberFromText(std::string_view s) {
     for (const char c : s)
         if (!((c >= '0' && c <= '9') || c == '.' || c == '-' || c == '+' || c == 'e' || c == 'E'))
             return std::nullopt;
-    const std::size_t first = s[0] == '-' ? 1 : 0;
+    if (s[0] == '+') s.remove_prefix(1);
+    const std::size_t first = !s.empty() && s[0] == '-' ? 1 : 0;
     if (first >= s.size() || !((s[first] >= '0' && s[first] <= '9') || s[first] == '.')) return std::nullopt;
     double v = 0;
     const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), v, std::chars_format::general);

@@ -96,6 +96,18 @@ std::vector<fs::path> InstallExamples() {
     return copied;
 }
 
+std::string LegacyWorkbookPath(std::string_view screen) {
+    if (screen == "Form1" || screen == "Form2" || screen == "Form4") return "C:\\Programas\\Datos\\Rios.xls";
+    if (screen == "Form3") return "C:\\Ormandi\\Ormandi.xls";
+    if (screen == "Form5") return "rios.xls";
+    return "";
+}
+
+std::string DefaultWorkbook(std::string_view screen) {
+    const std::string legacy = LegacyWorkbookPath(screen);
+    return legacy.empty() ? "" : ResolveWorkbookPath(legacy).string();
+}
+
 fs::path ResolveWorkbookPath(const std::string& path) {
     const std::string stem = LegacyStem(path);
     if (stem.empty()) return fs::absolute(path);

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cauce::workbook {
@@ -17,6 +18,16 @@ std::filesystem::path DataFolder();
 // The file a path given to Data1 names: a legacy name as above, any other path as it is, a relative
 // one from the working folder. Throws Fault when the data folder cannot be made.
 std::filesystem::path ResolveWorkbookPath(const std::string& path);
+
+// The fixed path the legacy screen used for its workbook: "C:\Programas\Datos\Rios.xls" for Form2, Form4
+// (and Form1, whose sheet "Canales" is in the same workbook), "C:\Ormandi\Ormandi.xls" for Form3,
+// "rios.xls" for Form5; "" for any other name.
+std::string LegacyWorkbookPath(std::string_view screen);
+
+// The user's workbook of a screen: the file its legacy path names in the data folder, the bundled
+// example copied there on first use; "" for a screen without one. Throws Fault when the data folder
+// cannot be made.
+std::string DefaultWorkbook(std::string_view screen);
 
 // Copies every bundled example workbook that the data folder lacks (neither its .xlsx nor its .xls
 // is there); never over an existing file. Returns the files copied.

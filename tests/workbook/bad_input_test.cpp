@@ -1,0 +1,295 @@
+// Bad input gets a clear Spanish message naming the file, and the user's file is left byte for byte
+// as it was: missing, not a workbook, truncated or corrupt, a missing sheet or column, text where a
+// number belongs, read-only file or folder, a full disk, a save cut short, a zip bomb, entity tricks.
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <nlohmann/json.hpp>
+
+#include "hydraulics/fault.hpp"
+#include "tests/workbook/support.hpp"
+#include "workbook/records.hpp"
+#include "workbook/save_file.hpp"
+#include "workbook/workbook.hpp"
+
+namespace cauce::test {
+namespace {
+
+const fs::path kRios = fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx";
+
+std::string Q(const fs::path& p) { return "\"" + p.string() + "\""; }
+
+// Files left in a folder, to see that a failed save leaves no temporary file behind.
+std::size_t FileCount(const fs::path& dir) {
+    std::size_t n = 0;
+    for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir)) ++n;
+    return n;
+}
+
+struct OpenCase {
+    const char* name;
+    std::function<void(const fs::path&)> make;  // writes the bad file
+    std::function<std::string(const fs::path&)> message;  // the message expected, given the file
+    bool exact = true;  // else the message must start with it
+};
+
+class BadWorkbook : public WorkbookTest, public ::testing::WithParamInterface<OpenCase> {};
+
+TEST_P(BadWorkbook, IsRefusedWithItsMessageAndLeftAsItWas) {
+    const OpenCase& c = GetParam();
+    const fs::path file = Dir() / "rio.xlsx";
+    c.make(file);
+    const std::string before = fs::exists(file) ? Slurp(file) : "";
+    const auto r = Guion("pantalla Form2\nlibro rio.xlsx\nmostrar\n");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.out, "");
+    const std::string prefix = "guion: línea 2: ";
+    const std::string want = c.message(file);
+    ASSERT_EQ(r.err.rfind(prefix, 0), 0u) << r.err;
+    const std::string got = r.err.substr(prefix.size(), r.err.size() - prefix.size() - 1);
+    if (c.exact) {
+        EXPECT_EQ(got, want);
+    } else {
+        EXPECT_EQ(got.rfind(want, 0), 0u) << got;
+    }
+    if (fs::exists(file)) {
+        EXPECT_EQ(Slurp(file), before);
+    }
+}
+
+std::string Half(const std::string& s) { return s.substr(0, s.size() / 2); }
+
+const OpenCase kOpenCases[] = {
+    {"missing", [](const fs::path&) {}, [](const fs::path& f) { return "No se encuentra el libro " + Q(f) + "."; }},
+    {"folder", [](const fs::path& f) { fs::create_directory(f); },
+     [](const fs::path& f) { return Q(f) + " es una carpeta, no un libro de Excel."; }},
+    {"empty", [](const fs::path& f) { Spit(f, ""); },
+     [](const fs::path& f) { return Q(f) + " está vacío: no es un libro de Excel. El archivo no se modificó."; }},
+    {"text", [](const fs::path& f) { Spit(f, "SecId;Caudal\n1;38\n"); },
+     [](const fs::path& f) { return Q(f) + " no es un libro de Excel (.xlsx o .xls). El archivo no se modificó."; }},
+    {"zip_without_workbook",
+     [](const fs::path& f) {
+         // A zip that holds something else: the bundled workbook with its main parts renamed.
+         std::string z = Slurp(kRios);
+         for (std::size_t p; (p = z.find("xl/workbook.xml")) != std::string::npos;) z.replace(p, 15, "xl/libro_xx.xml");
+         for (std::size_t p; (p = z.find("_rels/.rels")) != std::string::npos;) z.replace(p, 11, "_rels/.relx");
+         Spit(f, z);
+     },
+     [](const fs::path& f) {
+         return Q(f) + " no es un libro de Excel: es un archivo zip sin hoja de cálculo. El archivo no se modificó.";
+     }},
+    {"truncated", [](const fs::path& f) { Spit(f, Half(Slurp(kRios))); },
+     [](const fs::path& f) { return "El libro " + Q(f) + " está dañado: "; }, false},
+    {"corrupt",
+     [](const fs::path& f) {
+         std::string z = Slurp(kRios);
+         for (std::size_t i = 4000; i < 4400; ++i) z[i] = static_cast<char>(z[i] ^ 0x5A);  // inside a sheet's data
+         Spit(f, z);
+     },
+     [](const fs::path& f) { return "El libro " + Q(f) + " está dañado: "; }, false},
+    {"legacy_garbage",
+     [](const fs::path& f) { Spit(f, std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(600, '\x07')); },
+     [](const fs::path& f) { return "No se puede leer el libro antiguo " + Q(f) + ": "; }, false},
+    {"zip_bomb", [](const fs::path& f) { Libros("crear-bomba " + f.string()); },
+     [](const fs::path& f) {
+         return "El libro " + Q(f) +
+                " se rechaza: la parte xl/worksheets/sheet1.xml se expande a más de 128 MB (parece una bomba zip). "
+                "El archivo no se modificó.";
+     }},
+    {"entity_expansion", [](const fs::path& f) { Libros("crear-entidades " + f.string() + " risas"); },
+     [](const fs::path& f) {
+         return "El libro " + Q(f) +
+                " se rechaza: la parte xl/workbook.xml declara un tipo de documento con entidades XML, que un libro "
+                "de Excel no usa. El archivo no se modificó.";
+     }},
+    {"external_entity", [](const fs::path& f) { Libros("crear-entidades " + f.string() + " externa"); },
+     [](const fs::path& f) {
+         return "El libro " + Q(f) +
+                " se rechaza: la parte xl/sharedStrings.xml declara un tipo de documento con entidades XML, que un "
+                "libro de Excel no usa. El archivo no se modificó.";
+     }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Opening, BadWorkbook, ::testing::ValuesIn(kOpenCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(WorkbookTest, MissingSheetNamesTheSheetsThereAre) {
+    const fs::path file = Dir() / "rio.xlsx";
+    ASSERT_EQ(Libros("crear " + file.string()), 0);
+    const auto r = Guion("pantalla Form4\nlibro rio.xlsx\n");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "guion: línea 2: El libro " + Q(file) +
+                         " no tiene la hoja \"Percanal\" (sus hojas son \"Portada\", \"Persecc\", \"Resumen\").\n");
+}
+
+TEST_F(WorkbookTest, MissingColumnLeavesItsBoxUnboundAndSaysSo) {
+    const fs::path file = Dir() / "rio.xlsx";
+    fs::copy_file(kRios, file);
+    ASSERT_EQ(Libros("poner " + file.string() + " Percanal 0 So '\"Si\"'"), 0);
+    const std::string before = Slurp(file);
+    const auto r = Guion("pantalla Form4\nlibro rio.xlsx\nmostrar\nregistro 2\nmostrar\n");
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::string notice = "La hoja \"Percanal\" del libro " + Q(file) +
+                               " no tiene la columna \"So\": su cuadro queda sin enlazar.";
+    const auto first = nlohmann::json::parse(r.out.substr(0, r.out.find('\n')));
+    EXPECT_EQ(first.value("aviso", ""), notice);
+    EXPECT_EQ(first["Text94"], "");       // unbound
+    EXPECT_EQ(first["Text93"], "0.015");  // the others are bound
+    EXPECT_EQ(r.err, "guion: línea 2: " + notice + "\n");
+    EXPECT_EQ(Slurp(file), before);
+}
+
+TEST_F(WorkbookTest, TextWhereANumberBelongsReadsAsTheLegacyConversionReadsIt) {
+    const fs::path file = Dir() / "rio.xlsx";
+    fs::copy_file(kRios, file);
+    ASSERT_EQ(Libros("poner " + file.string() + " Persecc 1 Caudal '\"38 m3/s\"'"), 0);
+    ASSERT_EQ(Libros("poner " + file.string() + " Persecc 2 Caudal '\"mucho\"'"), 0);
+    const std::string before = Slurp(file);
+    const auto r = Guion("pantalla Form2\nlibro rio.xlsx\noprimir Command2\nmostrar\nregistro 2\noprimir Command2\nmostrar\n");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::istringstream lines(r.out);
+    std::string a, b;
+    std::getline(lines, a);
+    std::getline(lines, b);
+    const auto first = nlohmann::json::parse(a), second = nlohmann::json::parse(b);
+    EXPECT_EQ(first["Text95"], "38 m3/s");
+    EXPECT_EQ(first["Text99"], "1.93");  // as with 38 (the bundled reach's section 1)
+    EXPECT_FALSE(first.contains("error"));
+    EXPECT_EQ(second["Text95"], "mucho");  // reads 0: "(Y?)" stops before any result
+    EXPECT_EQ(second["Text99"], "1.93");
+    EXPECT_FALSE(second.contains("error"));
+    EXPECT_EQ(Slurp(file), before);  // nothing typed, nothing saved
+}
+
+// The script types into a bound box and moves on, which saves.
+constexpr const char* kEditAndMove = "pantalla Form2\nlibro LIBRO\nescribir Text93 0.04\nregistro 2\n";
+
+std::string With(std::string script, const fs::path& file) {
+    script.replace(script.find("LIBRO"), 5, file.string());
+    return script;
+}
+
+TEST_F(WorkbookTest, ReadOnlyFileIsNotReplaced) {
+    const fs::path file = Dir() / "rio.xlsx";
+    fs::copy_file(kRios, file);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    const auto r = Guion(With(kEditAndMove, file));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "guion: línea 4: No se pudo guardar el libro " + Q(file) +
+                         ": el archivo es de solo lectura. El libro no se modificó.\n");
+    EXPECT_EQ(Slurp(file), Slurp(kRios));
+    EXPECT_EQ(FileCount(Dir()), 1u);
+}
+
+TEST_F(WorkbookTest, ReadOnlyFolderIsNotWritten) {
+    const fs::path folder = Dir() / "solo-lectura";
+    fs::create_directory(folder);
+    const fs::path file = folder / "rio.xlsx";
+    fs::copy_file(kRios, file);
+    fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
+    const auto r = Guion(With(kEditAndMove, file));
+    fs::permissions(folder, fs::perms::owner_all);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "guion: línea 4: No se pudo guardar el libro " + Q(file) + ": la carpeta " + Q(folder) +
+                         " es de solo lectura. El libro no se modificó.\n");
+    EXPECT_EQ(Slurp(file), Slurp(kRios));
+    EXPECT_EQ(FileCount(folder), 1u);
+}
+
+// Runs the script in a child process prepared by setup; returns its exit status and what it wrote
+// to the error stream.
+std::pair<int, std::string> InChild(const std::string& script, const std::function<void()>& setup) {
+    int fds[2];
+    if (::pipe(fds) != 0) return {-1, ""};
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::close(fds[0]);
+        setup();
+        const auto r = Guion(script);
+        const ssize_t ignored = ::write(fds[1], r.err.data(), r.err.size());
+        (void)ignored;
+        ::_exit(r.status);
+    }
+    ::close(fds[1]);
+    std::string err;
+    char buf[4096];
+    for (ssize_t n; (n = ::read(fds[0], buf, sizeof buf)) > 0;) err.append(buf, static_cast<std::size_t>(n));
+    ::close(fds[0]);
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, err};
+}
+
+TEST_F(WorkbookTest, FullDiskLeavesTheWorkbookWhole) {
+    const fs::path file = Dir() / "rio.xlsx";
+    fs::copy_file(kRios, file);
+    // A file-size limit below the workbook's size stands for the disk filling up during the write.
+    const auto [status, err] = InChild(With(kEditAndMove, file), [] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit lim{4096, 4096};
+        ::setrlimit(RLIMIT_FSIZE, &lim);
+    });
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(err, "guion: línea 4: No se pudo guardar el libro " + Q(file) +
+                       ": no hay espacio en el disco. El libro no se modificó.\n");
+    EXPECT_EQ(Slurp(file), Slurp(kRios));
+    EXPECT_EQ(FileCount(Dir()), 1u);
+}
+
+TEST_F(WorkbookTest, SaveCutShortBeforeTheRenameLeavesTheOldWorkbookWhole) {
+    const fs::path file = Dir() / "rio.xlsx";
+    fs::copy_file(kRios, file);
+    // The program dies with the new file written and flushed, before it takes the old one's place.
+    const auto [status, err] = InChild(With(kEditAndMove, file), [] {
+        workbook::SetBeforeRenameHook([](const fs::path&) { ::_exit(42); });
+    });
+    EXPECT_EQ(status, 42) << err;
+    EXPECT_EQ(Slurp(file), Slurp(kRios));
+    EXPECT_NO_THROW(workbook::SheetRecords(workbook::Workbook::Open(file), "Persecc"));
+
+    // Cut short by an error instead: the temporary file goes too.
+    fs::remove_all(Dir() / "datos");
+    for (const auto& e : fs::directory_iterator(Dir()))
+        if (e.path() != file) fs::remove(e.path());
+    workbook::SetBeforeRenameHook([](const fs::path&) { raise("corte"); });
+    const auto r = Guion(With(kEditAndMove, file));
+    workbook::SetBeforeRenameHook(nullptr);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "guion: línea 4: corte\n");
+    EXPECT_EQ(Slurp(file), Slurp(kRios));
+    EXPECT_EQ(FileCount(Dir()), 1u);
+}
+
+TEST_F(WorkbookTest, WorkbookChangedByAnotherProgramIsNotOverwritten) {
+    const fs::path file = Dir() / "rio.xlsx";
+    fs::copy_file(kRios, file);
+    workbook::SheetRecords rec(workbook::Workbook::Open(file), "Persecc");
+    rec.Set(1, "Caudal", "40");
+    ASSERT_EQ(Libros("poner " + file.string() + " Persecc 1 Caudal 39"), 0);  // saved meanwhile elsewhere
+    const std::string theirs = Slurp(file);
+    try {
+        rec.Save();
+        FAIL() << "saved over another program's changes";
+    } catch (const Fault& f) {
+        EXPECT_EQ(std::string(f.what()), "No se pudo guardar el libro " + Q(file) +
+                                             ": otro programa lo cambió después de que Cauce lo abriera. El libro no "
+                                             "se modificó; ábralo de nuevo en Cauce para seguir.");
+    }
+    EXPECT_EQ(Slurp(file), theirs);
+}
+
+TEST_F(WorkbookTest, SheetWithoutAHeaderRowIsRefused) {
+    const fs::path file = Dir() / "rio.xlsx";
+    ASSERT_EQ(Libros("crear " + file.string()), 0);
+    ASSERT_EQ(Libros("hoja-vacia " + file.string() + " Percanal"), 0);
+    const auto r = Guion("pantalla Form4\nlibro rio.xlsx\n");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "guion: línea 2: La hoja \"Percanal\" del libro " + Q(file) +
+                         " está vacía: le falta la fila de encabezados con los nombres de las columnas.\n");
+}
+
+}  // namespace
+}  // namespace cauce::test
