@@ -91,8 +91,13 @@ void ProfileChart::Show(const std::vector<ProfilePoint>& points) {
     y->setTitleText(QStringLiteral("Cota (m)"));
     y->setRange(lo - margin, hi + margin * 1.5);
     y->setLabelFormat(QStringLiteral("%.2f"));
-    x->applyNiceNumbers();
+    // The reach end to end across; round heights up the side.
+    x->setTickCount(6);
     y->applyNiceNumbers();
+    // The ground reaches down to the foot of the plot.
+    QList<QPointF> foot;
+    for (const auto& p : points) foot.append(QPointF(p.chainage, y->min()));
+    floor->replace(foot);
     c->addAxis(x, Qt::AlignBottom);
     c->addAxis(y, Qt::AlignLeft);
     for (QAbstractSeries* s : c->series()) {

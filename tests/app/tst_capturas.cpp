@@ -1,5 +1,5 @@
-// Screenshots of the desktop: Form2 after every section of a reach and its profile have been
-// computed, and Form1 after a channel overflowing into its flood zone. With CAUCE_CAPTURAS set to a
+// Screenshots of the desktop: Form2 after every section of the bundled example reach and its profile
+// have been computed, and Form1 after a channel overflowing into its flood zone. With CAUCE_CAPTURAS set to a
 // folder the pictures are written there (docs/form2.png, docs/form1.png come from this run).
 #include <QImage>
 #include <QToolButton>
@@ -13,7 +13,11 @@
 #include "app/profile_chart.hpp"
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
+#include "forms/val.hpp"
 #include "support.hpp"
+#ifdef CAUCE_WITH_WORKBOOK
+#include "workbook/install.hpp"
+#endif
 
 using namespace cauce;
 using namespace cauce::apptest;
@@ -47,46 +51,51 @@ class Capturas : public QObject {
 private slots:
     void initTestCase() {
         app::LoadSpanishTranslation();
-        InstallMemoryBooks();
+#ifdef CAUCE_WITH_WORKBOOK
+        QVERIFY(dir_.isValid());
+        rios_ = dir_.filePath(QStringLiteral("Rios.xlsx"));
+        QVERIFY(QFile::copy(QStringLiteral(CAUCE_EXAMPLES_DIR "/Rios.xlsx"), rios_));
+        QFile::setPermissions(rios_, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        workbook::Install();
+#endif
     }
 
+    // The example reach of the bundled workbook: every section's "(Y?)", then "Perfiles" from a depth
+    // half a metre above the normal depth of the last section (a backwater).
     void form2AfterTheProfile() {
-        // Six sections, mild - steep - mild, 60 m apart (tests/guiones/form2_perfil_mixto.guion).
-        const double beds[] = {102.5812, 102.5212, 101.3212, 100.1212, 100.0612, 100.0012};
-        const double slopes[] = {0.001, 0.001, 0.02, 0.02, 0.001, 0.001};
-        std::vector<std::map<std::string, std::string>> rows;
-        for (int k = 0; k < 6; ++k) {
-            auto row = SectionRow(k + 1, 6, {{beds[k], 3.0}, {beds[k] + 1.0, 5.0}, {beds[k] + 3.0, 9.0}}, 0.015, slopes[k], 6.0);
-            row["Ancho Zi"] = "30";
-            row["Rugosidad Zi"] = "0.04";
-            for (int j = 1; j <= 6; ++j) row["Abscisa" + std::to_string(j)] = std::to_string(60 * (j - 1));
-            rows.push_back(row);
-        }
-        Books()["tramo.xlsx"] = MakeSheet(Form2Columns(), rows);
+#ifndef CAUCE_WITH_WORKBOOK
+        QSKIP("built without workbooks");
+#else
         RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("tramo.xlsx"); });
+        app::Desktop desktop(prompter, [this](std::string_view) { return rios_.toStdString(); });
         app::ScreenWindow* w = desktop.Open("Form2");
         QVERIFY(w);
         QVERIFY(QTest::qWaitForWindowExposed(w));
         app::ScreenView* view = w->View();
-        for (int k = 0; k < 6; ++k) {
+        const int count = w->Model().RecordCount();
+        QVERIFY(count >= 2);
+        for (int k = 0; k < count; ++k) {
             if (k) QTest::mouseClick(view->DataNavigator()->Next(), Qt::LeftButton);
             QTest::mouseClick(view->Button("Command2"), Qt::LeftButton);
         }
-        Type(view, "Text98", "0.9");
+        QCOMPARE(view->Button("Command1")->text(), QStringLiteral("Perfiles"));
+        const double start = forms::Val(view->Box("Text99")->text().toStdString()) + 0.5;
+        Type(view, "Text98", QString::number(start, 'f', 2));
         QTest::mouseClick(view->Button("Command1"), Qt::LeftButton);
         QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
         QVERIFY(w->Chart()->isVisible());
+        QCOMPARE(int(w->Chart()->Points().size()), count);
         QTest::qWait(50);
         const QImage shot = w->grab().toImage();
         QVERIFY(Colours(shot) > 40);
         Save(shot, "form2.png");
         desktop.Exit();
+#endif
     }
 
     void form1Overflowing() {
         RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
+        app::Desktop desktop(prompter, [this](std::string_view) { return rios_.toStdString(); });
         app::ScreenWindow* w = desktop.Open("Form1");
         QVERIFY(w);
         QVERIFY(QTest::qWaitForWindowExposed(w));
@@ -104,6 +113,10 @@ private slots:
         Save(shot, "form1.png");
         desktop.Exit();
     }
+
+private:
+    QTemporaryDir dir_;
+    QString rios_;  // a copy of the bundled example workbook (empty without workbooks)
 };
 
 QTEST_MAIN(Capturas)
