@@ -51,7 +51,9 @@ bool Desktop::Exit() {
     return true;
 }
 
-void Desktop::Forget(ScreenWindow* window) { windows_.erase(std::remove(windows_.begin(), windows_.end(), window), windows_.end()); }
+void Desktop::Forget(ScreenWindow* window) {
+    windows_.erase(std::remove(windows_.begin(), windows_.end(), window), windows_.end());
+}
 
 bool LoadSpanishTranslation() {
     static QTranslator* translator = nullptr;

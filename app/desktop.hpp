@@ -15,7 +15,7 @@ class ScreenWindow;
 
 class Desktop : public QObject {
     Q_OBJECT
-public:
+  public:
     // default_workbook names the workbook a screen opens with ("" for none).
     using WorkbookChooser = std::function<std::string(std::string_view screen)>;
     Desktop(Prompter& prompter, WorkbookChooser default_workbook);
@@ -29,7 +29,7 @@ public:
     // False when a window stays open (its save failed and the user chose not to lose the edits).
     bool Exit();
 
-private:
+  private:
     friend class ScreenWindow;
     void Forget(ScreenWindow* window);
 

@@ -14,13 +14,14 @@ void DialogPrompter::Note(QWidget* parent, const QString& message) {
 }
 
 bool DialogPrompter::Ask(QWidget* parent, const QString& question) {
-    return QMessageBox::question(parent, QStringLiteral("Cauce"), question, QMessageBox::Yes | QMessageBox::No,
-                                 QMessageBox::No) == QMessageBox::Yes;
+    return QMessageBox::question(parent, QStringLiteral("Cauce"), question,
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
 QString DialogPrompter::WorkbookPath(QWidget* parent, const QString& start) {
-    return QFileDialog::getOpenFileName(parent, QStringLiteral("Abrir libro"), start,
-                                        QStringLiteral("Libros de Excel (*.xlsx *.xls);;Todos los archivos (*)"));
+    return QFileDialog::getOpenFileName(
+        parent, QStringLiteral("Abrir libro"), start,
+        QStringLiteral("Libros de Excel (*.xlsx *.xls);;Todos los archivos (*)"));
 }
 
 }  // namespace cauce::app

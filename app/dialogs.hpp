@@ -9,7 +9,7 @@ class QWidget;
 namespace cauce::app {
 
 class Prompter {
-public:
+  public:
     virtual ~Prompter() = default;
     // A fault of a click, a record move or a workbook: the Spanish message, one button.
     virtual void Fault(QWidget* parent, const QString& message) = 0;
@@ -23,7 +23,7 @@ public:
 
 // The real dialogs: QMessageBox and QFileDialog.
 class DialogPrompter : public Prompter {
-public:
+  public:
     void Fault(QWidget* parent, const QString& message) override;
     void Note(QWidget* parent, const QString& message) override;
     bool Ask(QWidget* parent, const QString& question) override;

@@ -56,10 +56,13 @@ void SurfaceMark(QPainter& p, QPointF at, double size) {
     p.setPen(QPen(kSurface, size * 0.12));
     p.setBrush(Qt::white);
     QPolygonF tri;
-    tri << QPointF(at.x() - size * 0.5, at.y() - size * 0.8) << QPointF(at.x() + size * 0.5, at.y() - size * 0.8) << at;
+    tri << QPointF(at.x() - size * 0.5, at.y() - size * 0.8)
+        << QPointF(at.x() + size * 0.5, at.y() - size * 0.8) << at;
     p.drawPolygon(tri);
-    p.drawLine(QPointF(at.x() - size * 0.4, at.y() + size * 0.25), QPointF(at.x() + size * 0.4, at.y() + size * 0.25));
-    p.drawLine(QPointF(at.x() - size * 0.22, at.y() + size * 0.5), QPointF(at.x() + size * 0.22, at.y() + size * 0.5));
+    p.drawLine(QPointF(at.x() - size * 0.4, at.y() + size * 0.25),
+               QPointF(at.x() + size * 0.4, at.y() + size * 0.25));
+    p.drawLine(QPointF(at.x() - size * 0.22, at.y() + size * 0.5),
+               QPointF(at.x() + size * 0.22, at.y() + size * 0.5));
     p.restore();
 }
 
@@ -72,8 +75,11 @@ void Dimension(QPainter& p, QPointF a, QPointF b, const QString& text, double si
     auto head = [&](QPointF tip, double dir) {
         const double s = size * 0.35;
         QPolygonF h;
-        h << tip << QPointF(tip.x() - dir * s * qCos(angle) - s * 0.4 * qSin(angle), tip.y() - dir * s * qSin(angle) + s * 0.4 * qCos(angle))
-          << QPointF(tip.x() - dir * s * qCos(angle) + s * 0.4 * qSin(angle), tip.y() - dir * s * qSin(angle) - s * 0.4 * qCos(angle));
+        h << tip
+          << QPointF(tip.x() - dir * s * qCos(angle) - s * 0.4 * qSin(angle),
+                     tip.y() - dir * s * qSin(angle) + s * 0.4 * qCos(angle))
+          << QPointF(tip.x() - dir * s * qCos(angle) + s * 0.4 * qSin(angle),
+                     tip.y() - dir * s * qSin(angle) - s * 0.4 * qCos(angle));
         p.drawPolygon(h);
     };
     head(b, 1);

@@ -14,10 +14,11 @@ FigureWidget::FigureWidget(QWidget* parent) : QFrame(parent) {
 
 void FigureWidget::SetPicture(const std::string& text, std::optional<SectionSketch> sketch) {
     const Figure figure = FigureFromText(text);
-    const bool same_sketch = sketch.has_value() == sketch_.has_value() &&
-                             (!sketch || (sketch->ground == sketch_->ground && sketch->diameter == sketch_->diameter &&
-                                          sketch->water == sketch_->water && sketch->critical == sketch_->critical &&
-                                          sketch->caption == sketch_->caption));
+    const bool same_sketch =
+        sketch.has_value() == sketch_.has_value() &&
+        (!sketch || (sketch->ground == sketch_->ground && sketch->diameter == sketch_->diameter &&
+                     sketch->water == sketch_->water && sketch->critical == sketch_->critical &&
+                     sketch->caption == sketch_->caption));
     if (text == text_ && same_sketch) return;
     text_ = text;
     figure_ = figure;
@@ -32,8 +33,10 @@ void FigureWidget::paintEvent(QPaintEvent* event) {
     QFrame::paintEvent(event);
     QPainter p(this);
     const QRectF area = contentsRect().adjusted(2, 2, -2, -2);
-    if (sketch_) PaintSketch(p, area, *sketch_);
-    else PaintFigure(p, area, figure_, text_);
+    if (sketch_)
+        PaintSketch(p, area, *sketch_);
+    else
+        PaintFigure(p, area, figure_, text_);
 }
 
 }  // namespace cauce::app

@@ -12,7 +12,7 @@ namespace cauce::app {
 
 class FigureWidget : public QFrame {
     Q_OBJECT
-public:
+  public:
     explicit FigureWidget(QWidget* parent = nullptr);
 
     void SetPicture(const std::string& picture_text, std::optional<SectionSketch> sketch);
@@ -20,10 +20,10 @@ public:
     const std::string& PictureText() const { return text_; }
     const std::optional<SectionSketch>& Sketch() const { return sketch_; }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent* event) override;
 
-private:
+  private:
     std::string text_;
     Figure figure_ = Figure::None;
     std::optional<SectionSketch> sketch_;

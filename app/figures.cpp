@@ -25,16 +25,17 @@ struct Named {
     Figure figure;
 };
 constexpr Named kNames[] = {
-    {"Cauces1", Figure::Cauces1}, {"Cauces", Figure::Cauces},   {"Cauces2", Figure::Cauces2},
-    {"SUMMER", Figure::Summer},   {"Ctrape1", Figure::Ctrape1}, {"Ctrian1", Figure::Ctrian1},
-    {"Crectg1", Figure::Crectg1}, {"Ctrapez", Figure::Ctrapez}, {"Ctrian", Figure::Ctrian},
-    {"Crectg", Figure::Crectg},   {"circulo", Figure::Circulo}, {"circulo2", Figure::Circulo2},
+    {"Cauces1", Figure::Cauces1},   {"Cauces", Figure::Cauces},   {"Cauces2", Figure::Cauces2},
+    {"SUMMER", Figure::Summer},     {"Ctrape1", Figure::Ctrape1}, {"Ctrian1", Figure::Ctrian1},
+    {"Crectg1", Figure::Crectg1},   {"Ctrapez", Figure::Ctrapez}, {"Ctrian", Figure::Ctrian},
+    {"Crectg", Figure::Crectg},     {"circulo", Figure::Circulo}, {"circulo2", Figure::Circulo2},
     {"circulo3", Figure::Circulo3},
 };
 
 bool SameLetters(std::string_view a, std::string_view b) {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+               return std::tolower(static_cast<unsigned char>(x)) ==
+                      std::tolower(static_cast<unsigned char>(y));
            });
 }
 
@@ -148,10 +149,13 @@ struct Prism {
 Prism PrismOf(Figure f) {
     switch (f) {
         case Figure::Ctrian1:
-        case Figure::Ctrian: return {0, 52};
+        case Figure::Ctrian:
+            return {0, 52};
         case Figure::Crectg1:
-        case Figure::Crectg: return {40, 40};
-        default: return {26, 58};
+        case Figure::Crectg:
+            return {40, 40};
+        default:
+            return {26, 58};
     }
 }
 
@@ -159,11 +163,16 @@ void Channel(QPainter& p, Figure f, bool flood) {
     const Prism s = PrismOf(f);
     constexpr double cx = 100, bank = 44, bed = 112;
     QPolygonF g;
-    if (flood) g << QPointF(2, 16) << QPointF(14, bank);
-    else g << QPointF(2, bank);
-    g << QPointF(cx - s.ht, bank) << QPointF(cx - s.hb, bed) << QPointF(cx + s.hb, bed) << QPointF(cx + s.ht, bank);
-    if (flood) g << QPointF(186, bank) << QPointF(198, 16);
-    else g << QPointF(198, bank);
+    if (flood)
+        g << QPointF(2, 16) << QPointF(14, bank);
+    else
+        g << QPointF(2, bank);
+    g << QPointF(cx - s.ht, bank) << QPointF(cx - s.hb, bed) << QPointF(cx + s.hb, bed)
+      << QPointF(cx + s.ht, bank);
+    if (flood)
+        g << QPointF(186, bank) << QPointF(198, 16);
+    else
+        g << QPointF(198, bank);
     g = ToEdges(g);
     const double surface = flood ? 32 : 72;
     const QPainterPath region = d::GroundRegion(g, kH);
@@ -256,21 +265,42 @@ void PaintFigure(QPainter& p, const QRectF& box, Figure figure, std::string_view
     p.setClipRect(QRectF(0, 0, kW, kH));
     p.setRenderHint(QPainter::Antialiasing);
     switch (figure) {
-        case Figure::Cauces1: Cauces1(p); break;
-        case Figure::Cauces: Cauces(p); break;
-        case Figure::Cauces2: Cauces2(p); break;
-        case Figure::Summer: Summer(p); break;
+        case Figure::Cauces1:
+            Cauces1(p);
+            break;
+        case Figure::Cauces:
+            Cauces(p);
+            break;
+        case Figure::Cauces2:
+            Cauces2(p);
+            break;
+        case Figure::Summer:
+            Summer(p);
+            break;
         case Figure::Ctrape1:
         case Figure::Ctrian1:
-        case Figure::Crectg1: Channel(p, figure, false); break;
+        case Figure::Crectg1:
+            Channel(p, figure, false);
+            break;
         case Figure::Ctrapez:
         case Figure::Ctrian:
-        case Figure::Crectg: Channel(p, figure, true); break;
-        case Figure::Circulo: Conduit(p, 0.22); break;
-        case Figure::Circulo2: Conduit(p, 0.42); break;
-        case Figure::Circulo3: Conduit(p, 0.72); break;
-        case Figure::Unknown: Unknown(p, text); break;
-        case Figure::None: break;
+        case Figure::Crectg:
+            Channel(p, figure, true);
+            break;
+        case Figure::Circulo:
+            Conduit(p, 0.22);
+            break;
+        case Figure::Circulo2:
+            Conduit(p, 0.42);
+            break;
+        case Figure::Circulo3:
+            Conduit(p, 0.72);
+            break;
+        case Figure::Unknown:
+            Unknown(p, text);
+            break;
+        case Figure::None:
+            break;
     }
     p.restore();
 }

@@ -59,7 +59,11 @@ void Navigator::Show(const QString& caption, int record, int count, bool open) {
     last_->setEnabled(count > 0 && record < count);
 }
 
-QString Navigator::Caption() const { return caption_->text(); }
-QString Navigator::Position() const { return position_->text(); }
+QString Navigator::Caption() const {
+    return caption_->text();
+}
+QString Navigator::Position() const {
+    return position_->text();
+}
 
 }  // namespace cauce::app

@@ -11,7 +11,7 @@ namespace cauce::app {
 
 class Navigator : public QWidget {
     Q_OBJECT
-public:
+  public:
     explicit Navigator(QWidget* parent = nullptr);
 
     // record is 1-based; open says whether a workbook is bound at all.
@@ -24,13 +24,13 @@ public:
     QToolButton* Next() const { return next_; }
     QToolButton* Last() const { return last_; }
 
-signals:
+  signals:
     void firstRequested();
     void previousRequested();
     void nextRequested();
     void lastRequested();
 
-private:
+  private:
     QToolButton *first_, *previous_, *next_, *last_;
     QLabel *caption_, *position_;
 };

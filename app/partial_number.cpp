@@ -9,8 +9,12 @@ namespace cauce::app {
 
 namespace {
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // Where the legacy reading stops, following the grammar of forms::Val: blanks, "&H"/"&O" whole numbers,
 // or a sign, digits with blanks and one point, then an exponent that has at least one digit.
@@ -18,12 +22,14 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 std::size_t ReadEnd(std::string_view s) {
     std::size_t pos = 0;
     while (pos < s.size() && IsBlank(s[pos])) ++pos;
-    if (pos + 1 < s.size() && s[pos] == '&' && (s[pos + 1] == 'h' || s[pos + 1] == 'H' || s[pos + 1] == 'o' || s[pos + 1] == 'O')) {
+    if (pos + 1 < s.size() && s[pos] == '&' &&
+        (s[pos + 1] == 'h' || s[pos + 1] == 'H' || s[pos + 1] == 'o' || s[pos + 1] == 'O')) {
         const bool hex = s[pos + 1] == 'h' || s[pos + 1] == 'H';
         bool digits = false;
         for (pos += 2; pos < s.size(); ++pos) {
             const char c = s[pos];
-            const bool digit = hex ? (IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F')) : (c >= '0' && c <= '7');
+            const bool digit = hex ? (IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'))
+                                   : (c >= '0' && c <= '7');
             if (digit) {
                 digits = true;
             } else if (!IsBlank(c)) {

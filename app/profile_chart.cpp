@@ -24,13 +24,16 @@ std::vector<ProfilePoint> ProfileOf(const forms::Screen& screen) {
         if (!st.Tipo(k).empty()) run = true;
         // A section never computed has no bed to draw.
         if (st.npts(k) < 2) continue;
-        const ProfilePoint p{k, st.X(k), st.Zbed(k), st.Za(k), st.Zbed(k) + st.Yc(k), QString::fromStdString(st.Tipo(k))};
-        if (!std::isfinite(p.chainage) || !std::isfinite(p.bed) || !std::isfinite(p.water) || !std::isfinite(p.critical))
+        const ProfilePoint p{
+            k, st.X(k), st.Zbed(k), st.Za(k), st.Zbed(k) + st.Yc(k), QString::fromStdString(st.Tipo(k))};
+        if (!std::isfinite(p.chainage) || !std::isfinite(p.bed) || !std::isfinite(p.water) ||
+            !std::isfinite(p.critical))
             continue;
         points.push_back(p);
     }
     if (!run || points.size() < 2) return {};
-    std::stable_sort(points.begin(), points.end(), [](const ProfilePoint& a, const ProfilePoint& b) { return a.chainage < b.chainage; });
+    std::stable_sort(points.begin(), points.end(),
+                     [](const ProfilePoint& a, const ProfilePoint& b) { return a.chainage < b.chainage; });
     return points;
 }
 

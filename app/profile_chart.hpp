@@ -27,7 +27,7 @@ std::vector<ProfilePoint> ProfileOf(const forms::Screen& screen);
 
 class ProfileChart : public QChartView {
     Q_OBJECT
-public:
+  public:
     explicit ProfileChart(QWidget* parent = nullptr);
 
     void Show(const std::vector<ProfilePoint>& points);
@@ -35,7 +35,7 @@ public:
     // The texts over the water-surface points, in section order ("3 M1").
     QStringList TypeLabels() const;
 
-private:
+  private:
     void PlaceLabels();
 
     std::vector<ProfilePoint> points_;

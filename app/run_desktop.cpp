@@ -33,17 +33,18 @@ long StatusKilobytes(const char* key) {
 // With CAUCE_MEDIR_ARRANQUE set, the program ends right after the first window has been painted and
 // prints how long that took and the memory it holds (bench/arranque.sh).
 class FirstPaintProbe : public QObject {
-public:
+  public:
     explicit FirstPaintProbe(const QElapsedTimer& since) : since_(since) {}
 
-protected:
+  protected:
     bool eventFilter(QObject*, QEvent* event) override {
         if (event->type() == QEvent::Paint && !done_) {
             done_ = true;
             // Let this paint finish and reach the screen first.
             QTimer::singleShot(0, [this] {
-                std::printf("arranque_ms=%lld rss_kb=%ld rss_max_kb=%ld\n", static_cast<long long>(since_.elapsed()),
-                            StatusKilobytes("VmRSS"), StatusKilobytes("VmHWM"));
+                std::printf("arranque_ms=%lld rss_kb=%ld rss_max_kb=%ld\n",
+                            static_cast<long long>(since_.elapsed()), StatusKilobytes("VmRSS"),
+                            StatusKilobytes("VmHWM"));
                 std::fflush(stdout);
                 QCoreApplication::exit(0);
             });
@@ -51,7 +52,7 @@ protected:
         return false;
     }
 
-private:
+  private:
     const QElapsedTimer& since_;
     bool done_ = false;
 };

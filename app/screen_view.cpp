@@ -23,10 +23,14 @@ namespace {
 
 using forms::Kind;
 
-QString Q(const std::string& s) { return QString::fromStdString(s); }
+QString Q(const std::string& s) {
+    return QString::fromStdString(s);
+}
 
 // A button caption with its '&' shown, not taken as a shortcut mark.
-QString ButtonText(const std::string& s) { return Q(s).replace('&', QStringLiteral("&&")); }
+QString ButtonText(const std::string& s) {
+    return Q(s).replace('&', QStringLiteral("&&"));
+}
 
 constexpr double kFontPixels = 12.5;  // at the reference size
 const char* const kPartialProperty = "lecturaParcial";
@@ -61,7 +65,8 @@ void ScreenView::Build() {
         switch (c.kind) {
             case Kind::TextBox: {
                 auto* box = new QLineEdit(this);
-                connect(box, &QLineEdit::textEdited, this, [this, name](const QString& text) { Typed(name, text); });
+                connect(box, &QLineEdit::textEdited, this,
+                        [this, name](const QString& text) { Typed(name, text); });
                 box->installEventFilter(this);
                 if (table_of_.count(name)) {
                     box->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -76,7 +81,8 @@ void ScreenView::Build() {
                 auto* label = new QLabel(this);
                 label->setTextFormat(Qt::PlainText);
                 label->setWordWrap(c.multiline);
-                label->setAlignment(c.multiline ? Qt::AlignLeft | Qt::AlignTop : Qt::AlignLeft | Qt::AlignVCenter);
+                label->setAlignment(c.multiline ? Qt::AlignLeft | Qt::AlignTop
+                                                : Qt::AlignLeft | Qt::AlignVCenter);
                 w = label;
                 break;
             }
@@ -88,14 +94,18 @@ void ScreenView::Build() {
                 w = button;
                 break;
             }
-            case Kind::PictureBox: w = new FigureWidget(this); break;
+            case Kind::PictureBox:
+                w = new FigureWidget(this);
+                break;
             case Kind::Data: {
                 navigator_ = new Navigator(this);
                 connect(navigator_, &Navigator::firstRequested, this, [this] { MoveRecord(Move::First); });
-                connect(navigator_, &Navigator::previousRequested, this, [this] { MoveRecord(Move::Previous); });
+                connect(navigator_, &Navigator::previousRequested, this,
+                        [this] { MoveRecord(Move::Previous); });
                 connect(navigator_, &Navigator::nextRequested, this, [this] { MoveRecord(Move::Next); });
                 connect(navigator_, &Navigator::lastRequested, this, [this] { MoveRecord(Move::Last); });
-                for (QWidget* b : {navigator_->First(), navigator_->Previous(), navigator_->Next(), navigator_->Last()})
+                for (QWidget* b :
+                     {navigator_->First(), navigator_->Previous(), navigator_->Next(), navigator_->Last()})
                     chain(b);
                 w = navigator_;
                 break;
@@ -121,10 +131,15 @@ void ScreenView::Refresh() {
                 MarkReading(box);
                 break;
             }
-            case Kind::Label: static_cast<QLabel*>(w)->setText(text); break;
-            case Kind::CommandButton: static_cast<QPushButton*>(w)->setText(ButtonText(c.text)); break;
+            case Kind::Label:
+                static_cast<QLabel*>(w)->setText(text);
+                break;
+            case Kind::CommandButton:
+                static_cast<QPushButton*>(w)->setText(ButtonText(c.text));
+                break;
             case Kind::PictureBox:
-                static_cast<FigureWidget*>(w)->SetPicture(c.text, c.name == "Picture1" ? SketchOf(model_) : std::nullopt);
+                static_cast<FigureWidget*>(w)->SetPicture(
+                    c.text, c.name == "Picture1" ? SketchOf(model_) : std::nullopt);
                 break;
             case Kind::Data:
                 navigator_->Show(text, model_.Record(), model_.RecordCount(), model_.Source() != nullptr);
@@ -139,7 +154,8 @@ void ScreenView::Typed(const std::string& name, const QString& text) {
     model_.Type(name, text.toStdString());
     MarkReading(Box(name));
     // The picture follows the boxes it is drawn from.
-    if (auto* picture = Picture("Picture1")) picture->SetPicture(model_.Get("Picture1").text, SketchOf(model_));
+    if (auto* picture = Picture("Picture1"))
+        picture->SetPicture(model_.Get("Picture1").text, SketchOf(model_));
 }
 
 void ScreenView::MarkReading(QLineEdit* box) {
@@ -149,7 +165,8 @@ void ScreenView::MarkReading(QLineEdit* box) {
     box->setProperty(kPartialProperty, partial);
     box->setToolTip(Q(tip));
     QPalette pal = box->palette();
-    pal.setColor(QPalette::Base, partial ? QColor(255, 236, 170) : QApplication::palette(box).color(QPalette::Base));
+    pal.setColor(QPalette::Base,
+                 partial ? QColor(255, 236, 170) : QApplication::palette(box).color(QPalette::Base));
     box->setPalette(pal);
 }
 
@@ -170,10 +187,18 @@ void ScreenView::Press(const std::string& name) {
 void ScreenView::MoveRecord(Move move) {
     try {
         switch (move) {
-            case Move::First: model_.MoveFirst(); break;
-            case Move::Previous: model_.MovePrevious(); break;
-            case Move::Next: model_.MoveNext(); break;
-            case Move::Last: model_.MoveLast(); break;
+            case Move::First:
+                model_.MoveFirst();
+                break;
+            case Move::Previous:
+                model_.MovePrevious();
+                break;
+            case Move::Next:
+                model_.MoveNext();
+                break;
+            case Move::Last:
+                model_.MoveLast();
+                break;
         }
     } catch (const Fault& f) {
         Refresh();
@@ -189,10 +214,18 @@ QWidget* ScreenView::ControlWidget(std::string_view name) const {
     const auto it = widgets_.find(name);
     return it == widgets_.end() ? nullptr : it->second;
 }
-QLineEdit* ScreenView::Box(std::string_view name) const { return qobject_cast<QLineEdit*>(ControlWidget(name)); }
-QLabel* ScreenView::Caption(std::string_view name) const { return qobject_cast<QLabel*>(ControlWidget(name)); }
-QPushButton* ScreenView::Button(std::string_view name) const { return qobject_cast<QPushButton*>(ControlWidget(name)); }
-FigureWidget* ScreenView::Picture(std::string_view name) const { return qobject_cast<FigureWidget*>(ControlWidget(name)); }
+QLineEdit* ScreenView::Box(std::string_view name) const {
+    return qobject_cast<QLineEdit*>(ControlWidget(name));
+}
+QLabel* ScreenView::Caption(std::string_view name) const {
+    return qobject_cast<QLabel*>(ControlWidget(name));
+}
+QPushButton* ScreenView::Button(std::string_view name) const {
+    return qobject_cast<QPushButton*>(ControlWidget(name));
+}
+FigureWidget* ScreenView::Picture(std::string_view name) const {
+    return qobject_cast<FigureWidget*>(ControlWidget(name));
+}
 
 std::vector<QWidget*> ScreenView::TabChain() const {
     std::vector<QWidget*> chain;
@@ -200,7 +233,8 @@ std::vector<QWidget*> ScreenView::TabChain() const {
         QWidget* w = widgets_.at(c.name);
         if (c.kind == Kind::TextBox || c.kind == Kind::CommandButton) chain.push_back(w);
         if (c.kind == Kind::Data)
-            for (QWidget* b : {navigator_->First(), navigator_->Previous(), navigator_->Next(), navigator_->Last()})
+            for (QWidget* b :
+                 {navigator_->First(), navigator_->Previous(), navigator_->Next(), navigator_->Last()})
                 chain.push_back(b);
     }
     return chain;
@@ -274,8 +308,9 @@ void ScreenView::PlaceWidgets() {
     setFont(f);
     const double ox = (width() - kWidth * s) / 2;
     for (const auto& c : model_.Controls()) {
-        const QRect r(static_cast<int>(std::lround(ox + c.place.x * s)), static_cast<int>(std::lround(c.place.y * s)),
-                      static_cast<int>(std::lround(c.place.w * s)), static_cast<int>(std::lround(c.place.h * s)));
+        const QRect r(
+            static_cast<int>(std::lround(ox + c.place.x * s)), static_cast<int>(std::lround(c.place.y * s)),
+            static_cast<int>(std::lround(c.place.w * s)), static_cast<int>(std::lround(c.place.h * s)));
         widgets_.at(c.name)->setGeometry(r);
     }
 }

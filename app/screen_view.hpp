@@ -28,7 +28,7 @@ enum class Move { First, Previous, Next, Last };
 
 class ScreenView : public QWidget {
     Q_OBJECT
-public:
+  public:
     static constexpr int kWidth = 1000, kHeight = 720;  // the reference layout
 
     ScreenView(forms::Screen& model, Prompter& prompter, QWidget* parent = nullptr);
@@ -61,21 +61,21 @@ public:
 
     double Scale() const;
 
-signals:
+  signals:
     void pressed(const QString& name);  // after a click ran and the view was refreshed
     void recordMoved();
     void exitRequested();  // the model's "Salir"
     void note(const QString& text);
 
-protected:
+  protected:
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-public:
+  public:
     QSize sizeHint() const override { return {kWidth, kHeight}; }
     QSize minimumSizeHint() const override { return {kWidth / 3, kHeight / 3}; }
 
-private:
+  private:
     void Build();
     void PlaceWidgets();
     void Typed(const std::string& name, const QString& text);

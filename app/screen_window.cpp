@@ -21,11 +21,13 @@
 namespace cauce::app {
 
 namespace {
-QString Q(const std::string& s) { return QString::fromStdString(s); }
+QString Q(const std::string& s) {
+    return QString::fromStdString(s);
+}
 }  // namespace
 
 ScreenWindow::ScreenWindow(std::unique_ptr<forms::Screen> model, Desktop& desktop, Prompter& prompter)
-    : model_(std::move(model)), desktop_(desktop), prompter_(prompter) {
+    : model_(std::move(model)), desktop_(&desktop), prompter_(prompter) {
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(Q(model_->Name()));
     setWindowTitle(Q(model_->Title()));
@@ -46,8 +48,11 @@ ScreenWindow::ScreenWindow(std::unique_ptr<forms::Screen> model, Desktop& deskto
 
     connect(view_, &ScreenView::pressed, this, [this] { Update(); });
     connect(view_, &ScreenView::recordMoved, this, [this] { Update(); });
-    connect(view_, &ScreenView::exitRequested, this, [this] { desktop_.Exit(); });
-    connect(view_, &ScreenView::note, this, [this](const QString& text) { statusBar()->showMessage(text, 10000); });
+    connect(view_, &ScreenView::exitRequested, this, [this] {
+        if (desktop_) desktop_->Exit();
+    });
+    connect(view_, &ScreenView::note, this,
+            [this](const QString& text) { statusBar()->showMessage(text, 10000); });
 
     // The reference layout at its own size, or smaller on a small screen.
     double width = ScreenView::kWidth, height = ScreenView::kHeight;
@@ -57,11 +62,14 @@ ScreenWindow::ScreenWindow(std::unique_ptr<forms::Screen> model, Desktop& deskto
         width *= fit;
         height *= fit;
     }
-    resize(static_cast<int>(width), static_cast<int>(height) + menuBar()->sizeHint().height() + statusBar()->sizeHint().height());
+    resize(static_cast<int>(width),
+           static_cast<int>(height) + menuBar()->sizeHint().height() + statusBar()->sizeHint().height());
     Update();
 }
 
-ScreenWindow::~ScreenWindow() { desktop_.Forget(this); }
+ScreenWindow::~ScreenWindow() {
+    if (desktop_) desktop_->Forget(this);
+}
 
 void ScreenWindow::BuildMenus() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Archivo"));
@@ -79,8 +87,13 @@ void ScreenWindow::BuildMenus() {
     save->setShortcut(QKeySequence::Save);
     save->setEnabled(model_->HasData());
     file->addSeparator();
-    file->addAction(QStringLiteral("&Cerrar la ventana"), this, [this] { close(); })->setShortcut(QKeySequence::Close);
-    file->addAction(QStringLiteral("&Salir"), this, [this] { desktop_.Exit(); })->setShortcut(QKeySequence::Quit);
+    file->addAction(QStringLiteral("&Cerrar la ventana"), this, [this] { close(); })
+        ->setShortcut(QKeySequence::Close);
+    file->addAction(QStringLiteral("&Salir"), this,
+                    [this] {
+                        if (desktop_) desktop_->Exit();
+                    })
+        ->setShortcut(QKeySequence::Quit);
 
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edición"));
     QAction* copy = edit->addAction(QStringLiteral("&Copiar la tabla"), this, [this] { CopyTable(); });
@@ -93,10 +106,12 @@ void ScreenWindow::BuildMenus() {
     QMenu* screens = menuBar()->addMenu(QStringLiteral("&Pantallas"));
     for (std::string_view name : screens::ScreenNames()) {
         const auto sample = screens::MakeScreen(name);
-        const QString text = QString::fromUtf8(name.data(), static_cast<int>(name.size())) + QStringLiteral(": ") +
-                             Q(sample ? sample->Title() : std::string());
+        const QString text = QString::fromUtf8(name.data(), static_cast<int>(name.size())) +
+                             QStringLiteral(": ") + Q(sample ? sample->Title() : std::string());
         const std::string key(name);
-        QAction* a = screens->addAction(text, this, [this, key] { desktop_.Open(key); });
+        QAction* a = screens->addAction(text, this, [this, key] {
+            if (desktop_) desktop_->Open(key);
+        });
         a->setObjectName(Q(key));
     }
 }
@@ -117,8 +132,10 @@ void ScreenWindow::Update() {
     }
     QString status;
     if (model_->HasData()) {
-        status = model_->Source() ? QStringLiteral("Libro: %1 · hoja %2").arg(QDir::toNativeSeparators(Q(model_->WorkbookPath())), Q(model_->Sheet()))
-                                  : QStringLiteral("Sin libro: Archivo > Abrir libro...");
+        status = model_->Source()
+                     ? QStringLiteral("Libro: %1 · hoja %2")
+                           .arg(QDir::toNativeSeparators(Q(model_->WorkbookPath())), Q(model_->Sheet()))
+                     : QStringLiteral("Sin libro: Archivo > Abrir libro...");
     }
     status_->setText(status);
 }
@@ -150,8 +167,10 @@ bool ScreenWindow::SaveBeforeClosing() {
         const std::string note = model_->SavePending();
         if (!note.empty()) prompter_.Note(this, Q(note));
     } catch (const std::exception& e) {
-        return prompter_.Ask(this, QStringLiteral("No se pudieron guardar los cambios del registro:\n%1\n\n¿Cerrar sin guardarlos?")
-                                       .arg(Q(e.what())));
+        return prompter_.Ask(
+            this,
+            QStringLiteral("No se pudieron guardar los cambios del registro:\n%1\n\n¿Cerrar sin guardarlos?")
+                .arg(Q(e.what())));
     }
     return true;
 }
@@ -161,7 +180,7 @@ void ScreenWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
-    desktop_.Forget(this);
+    if (desktop_) desktop_->Forget(this);
     event->accept();
 }
 
@@ -177,7 +196,8 @@ void ScreenWindow::CopyTable() {
 void ScreenWindow::PasteTable() {
     const std::string box = view_->LastTableBox();
     if (box.empty()) {
-        prompter_.Note(this, QStringLiteral("Ponga el cursor en la casilla de la tabla desde la que quiere pegar."));
+        prompter_.Note(
+            this, QStringLiteral("Ponga el cursor en la casilla de la tabla desde la que quiere pegar."));
         return;
     }
     view_->PasteTable(box, QGuiApplication::clipboard()->text());

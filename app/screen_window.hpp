@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <memory>
 
 #include "forms/screen.hpp"
@@ -20,7 +21,7 @@ class ScreenView;
 
 class ScreenWindow : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     ScreenWindow(std::unique_ptr<forms::Screen> model, Desktop& desktop, Prompter& prompter);
     ~ScreenWindow() override;
 
@@ -37,15 +38,15 @@ public:
     void CopyTable();
     void PasteTable();
 
-protected:
+  protected:
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
     void BuildMenus();
     void Update();  // after a click or a record move: plot, status line
 
     std::unique_ptr<forms::Screen> model_;
-    Desktop& desktop_;
+    QPointer<Desktop> desktop_;  // the desktop may end before a closed window is deleted
     Prompter& prompter_;
     ScreenView* view_ = nullptr;
     ProfileChart* chart_ = nullptr;

@@ -38,7 +38,9 @@ std::optional<double> BoundValue(const forms::Screen& screen, std::string_view c
     return std::nullopt;
 }
 
-QString Metres(double v) { return QString::fromStdString(forms::Format(v, "0.00")) + " m"; }
+QString Metres(double v) {
+    return QString::fromStdString(forms::Format(v, "0.00")) + " m";
+}
 
 struct Level {
     double z, t;
@@ -61,7 +63,9 @@ std::vector<Level> ShownLevels(const forms::Screen& screen) {
 }
 
 // Rises at 1:1 from (x, z) outwards (dir -1 left, +1 right) up to elevation top.
-QPointF Wall(double x, double z, double top, int dir) { return QPointF(x + dir * (top - z), top); }
+QPointF Wall(double x, double z, double top, int dir) {
+    return QPointF(x + dir * (top - z), top);
+}
 
 std::optional<SectionSketch> NaturalSketch(const forms::Screen& screen, const screens::NaturalScreen& model) {
     const std::vector<Level> levels = ShownLevels(screen);
@@ -73,9 +77,11 @@ std::optional<SectionSketch> NaturalSketch(const forms::Screen& screen, const sc
                       : 0;
 
     // The section's results count only when the state holds this very table for it.
-    bool computed = s > 0 && st.npts(s) == static_cast<int>(levels.size()) && st.Yn(s) > 0 && std::isfinite(st.Yn(s));
+    bool computed =
+        s > 0 && st.npts(s) == static_cast<int>(levels.size()) && st.Yn(s) > 0 && std::isfinite(st.Yn(s));
     for (std::size_t j = 0; computed && j < levels.size(); ++j)
-        computed = st.Z(s, static_cast<int>(j) + 1) == levels[j].z && st.T(s, static_cast<int>(j) + 1) == levels[j].t;
+        computed = st.Z(s, static_cast<int>(j) + 1) == levels[j].z &&
+                   st.T(s, static_cast<int>(j) + 1) == levels[j].t;
 
     SectionSketch k;
     const double bed = levels.front().z, bank = levels.back().z, tn = levels.back().t;
@@ -123,7 +129,8 @@ std::optional<SectionSketch> PrismaticSketch(const forms::Screen& screen, Figure
     SectionSketch k;
     k.water = *yn;
     if (yc && *yc > 0) k.critical = *yc;
-    const bool conduit = figure == Figure::Circulo || figure == Figure::Circulo2 || figure == Figure::Circulo3;
+    const bool conduit =
+        figure == Figure::Circulo || figure == Figure::Circulo2 || figure == Figure::Circulo3;
     if (conduit) {
         const auto dia = BoxValue(screen, "Text3");
         if (!dia || *dia <= 0 || *yn > *dia) return std::nullopt;
@@ -134,7 +141,8 @@ std::optional<SectionSketch> PrismaticSketch(const forms::Screen& screen, Figure
         const double b = BoxValue(screen, "Text3").value_or(-1), z = BoxValue(screen, "Text4").value_or(-1);
         if (b < 0 || z < 0 || b + z <= 0) return std::nullopt;
         const double h = std::max(0.0, BoxValue(screen, "Text5").value_or(0));
-        const bool flowing = figure == Figure::Ctrapez || figure == Figure::Ctrian || figure == Figure::Crectg;
+        const bool flowing =
+            figure == Figure::Ctrapez || figure == Figure::Ctrian || figure == Figure::Crectg;
         if (flowing && h > 0 && *yn > h) {
             const double tb = b + 2 * z * h;
             double bz = BoxValue(screen, "Text6").value_or(tb);
@@ -150,7 +158,8 @@ std::optional<SectionSketch> PrismaticSketch(const forms::Screen& screen, Figure
             // Without banks (h = 0, "Sin límite") the walls are drawn a little above the water.
             const double top = h > 0 && h >= *yn ? h : 1.25 * std::max(*yn, k.critical.value_or(0));
             const double t = b + 2 * z * top;
-            k.ground << QPointF(-t / 2, top) << QPointF(-b / 2, 0) << QPointF(b / 2, 0) << QPointF(t / 2, top);
+            k.ground << QPointF(-t / 2, top) << QPointF(-b / 2, 0) << QPointF(b / 2, 0)
+                     << QPointF(t / 2, top);
         }
         k.caption = QStringLiteral("Yn ") + Metres(*yn);
     }
@@ -211,7 +220,8 @@ std::optional<SectionSketch> SketchOf(const forms::Screen& screen) {
     if (!picture) return std::nullopt;
     const Figure figure = FigureFromText(picture->text);
     if (!IsSectionFigure(figure)) return std::nullopt;
-    if (const auto* natural = dynamic_cast<const screens::NaturalScreen*>(&screen)) return NaturalSketch(screen, *natural);
+    if (const auto* natural = dynamic_cast<const screens::NaturalScreen*>(&screen))
+        return NaturalSketch(screen, *natural);
     if (screen.Name() == "Form1") return PrismaticSketch(screen, figure);
     return std::nullopt;
 }
@@ -244,7 +254,8 @@ void PaintSketch(QPainter& p, const QRectF& box, const SectionSketch& k) {
         QPolygonF outline;
         for (const QPointF& pt : k.ground) outline << QPointF(f.X(pt.x()), f.Y(pt.y()));
         QPainterPath all;
-        all.addRect(QRectF(outline.first().x(), box.top(), outline.last().x() - outline.first().x(), box.height()));
+        all.addRect(
+            QRectF(outline.first().x(), box.top(), outline.last().x() - outline.first().x(), box.height()));
         // The ground goes on level beyond the outermost points, to the edges of the picture.
         outline.prepend(QPointF(box.left() - 1, outline.first().y()));
         outline.append(QPointF(box.right() + 1, outline.last().y()));
@@ -281,7 +292,8 @@ void PaintSketch(QPainter& p, const QRectF& box, const SectionSketch& k) {
         font.setPixelSize(std::max(6, static_cast<int>(unit)));
         p.setFont(font);
         p.setPen(d::kCritical);
-        if (!seen.isEmpty()) p.drawText(QPointF(seen.left() + unit * 0.3, y - unit * 0.25), QStringLiteral("Yc"));
+        if (!seen.isEmpty())
+            p.drawText(QPointF(seen.left() + unit * 0.3, y - unit * 0.25), QStringLiteral("Yc"));
     }
 
     QFont font = p.font();
@@ -289,8 +301,10 @@ void PaintSketch(QPainter& p, const QRectF& box, const SectionSketch& k) {
     p.setFont(font);
     p.setPen(d::kInk);
     const QFontMetricsF fm(font);
-    const QRectF caption_box(box.left() + unit * 0.4, box.top() + unit * 0.3, box.width() - unit * 0.8, unit * 1.4);
-    p.drawText(caption_box, Qt::AlignLeft | Qt::AlignTop, fm.elidedText(k.caption, Qt::ElideRight, caption_box.width()));
+    const QRectF caption_box(box.left() + unit * 0.4, box.top() + unit * 0.3, box.width() - unit * 0.8,
+                             unit * 1.4);
+    p.drawText(caption_box, Qt::AlignLeft | Qt::AlignTop,
+               fm.elidedText(k.caption, Qt::ElideRight, caption_box.width()));
     // Heights stretched: said in the corner, over the ground.
     const double exaggeration = f.sy / f.sx;
     if (exaggeration > 1.05) {

@@ -12,7 +12,7 @@ using forms::Control;
 using forms::Kind;
 
 constexpr int kMinRows = 5;
-constexpr int kMaxGap = 8;        // layout units between the columns of one table
+constexpr int kMaxGap = 8;         // layout units between the columns of one table
 constexpr int kHeadingReach = 40;  // a heading ends at most this far above the first row
 
 struct Column {
@@ -28,13 +28,16 @@ std::vector<Column> FindColumns(const forms::Screen& screen) {
         if (c.kind == Kind::TextBox) by_x[{c.place.x, c.place.w}].push_back(&c);
     std::vector<Column> columns;
     for (auto& [xw, boxes] : by_x) {
-        std::sort(boxes.begin(), boxes.end(), [](const Control* a, const Control* b) { return a->place.y < b->place.y; });
+        std::sort(boxes.begin(), boxes.end(),
+                  [](const Control* a, const Control* b) { return a->place.y < b->place.y; });
         std::size_t start = 0;
         while (start < boxes.size()) {
             std::size_t end = start + 1;
             if (end < boxes.size()) {
                 const int step = boxes[end]->place.y - boxes[start]->place.y;
-                while (step > 0 && end < boxes.size() && boxes[end]->place.y - boxes[end - 1]->place.y == step) ++end;
+                while (step > 0 && end < boxes.size() &&
+                       boxes[end]->place.y - boxes[end - 1]->place.y == step)
+                    ++end;
             }
             if (end - start >= kMinRows) {
                 Column col{xw.first, xw.second, {}, {}};
@@ -89,7 +92,8 @@ std::vector<std::vector<std::string>> SplitCells(std::string_view text) {
         std::size_t c = 0;
         while (true) {
             const std::size_t tab = line.find('\t', c);
-            cells.emplace_back(line.substr(c, tab == std::string_view::npos ? std::string_view::npos : tab - c));
+            cells.emplace_back(
+                line.substr(c, tab == std::string_view::npos ? std::string_view::npos : tab - c));
             if (tab == std::string_view::npos) break;
             c = tab + 1;
         }
@@ -122,10 +126,12 @@ std::vector<BoxTable> FindTables(const forms::Screen& screen) {
         t.cells.resize(columns[k].ys.size());
         for (std::size_t c = k; c < end; ++c) {
             t.headings.push_back(Heading(screen, columns[c]));
-            for (std::size_t r = 0; r < columns[c].names.size(); ++r) t.cells[r].push_back(columns[c].names[r]);
+            for (std::size_t r = 0; r < columns[c].names.size(); ++r)
+                t.cells[r].push_back(columns[c].names[r]);
         }
         // A column of form fields with their captions beside them is no table: a table has headings.
-        if (std::none_of(t.headings.begin(), t.headings.end(), [](const std::string& h) { return h.empty(); }))
+        if (std::none_of(t.headings.begin(), t.headings.end(),
+                         [](const std::string& h) { return h.empty(); }))
             tables.push_back(std::move(t));
         k = end;
     }
@@ -162,7 +168,9 @@ int PasteTable(forms::Screen& screen, const BoxTable& table, int row, int column
     if (!rows.empty()) {
         std::vector<std::string> first;
         for (const auto& cell : rows.front()) first.push_back(Trim(cell));
-        std::vector<std::string> heads(table.headings.begin() + std::min<std::size_t>(column, table.headings.size()), table.headings.end());
+        std::vector<std::string> heads(
+            table.headings.begin() + std::min<std::size_t>(column, table.headings.size()),
+            table.headings.end());
         if (first.size() <= heads.size() && std::equal(first.begin(), first.end(), heads.begin()) &&
             std::any_of(first.begin(), first.end(), [](const std::string& s) { return !s.empty(); }))
             rows.erase(rows.begin());

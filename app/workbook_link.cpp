@@ -9,15 +9,21 @@ namespace cauce::app {
 
 #ifdef CAUCE_WITH_WORKBOOK
 
-void InstallWorkbooks() { workbook::Install(); }
+void InstallWorkbooks() {
+    workbook::Install();
+}
 
-std::string DefaultWorkbook(std::string_view screen) { return workbook::DefaultWorkbook(screen); }
+std::string DefaultWorkbook(std::string_view screen) {
+    return workbook::DefaultWorkbook(screen);
+}
 
 #else
 
 void InstallWorkbooks() {}
 
-std::string DefaultWorkbook(std::string_view) { return ""; }
+std::string DefaultWorkbook(std::string_view) {
+    return "";
+}
 
 #endif
 

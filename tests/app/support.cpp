@@ -10,8 +10,9 @@ namespace cauce::apptest {
 namespace {
 
 class MemorySource : public forms::RecordSource {
-public:
-    MemorySource(std::string path, std::shared_ptr<MemorySheet> sheet) : path_(std::move(path)), sheet_(std::move(sheet)) {}
+  public:
+    MemorySource(std::string path, std::shared_ptr<MemorySheet> sheet)
+        : path_(std::move(path)), sheet_(std::move(sheet)) {}
     int RecordCount() const override { return static_cast<int>(sheet_->rows.size()); }
     bool HasColumn(const std::string& column) const override {
         for (const auto& c : sheet_->columns)
@@ -33,7 +34,7 @@ public:
     }
     std::string Path() const override { return path_; }
 
-private:
+  private:
     std::string path_;
     std::shared_ptr<MemorySheet> sheet_;
 };
@@ -57,7 +58,9 @@ std::map<std::string, std::shared_ptr<MemorySheet>>& Books() {
     return books;
 }
 
-void InstallMemoryBooks() { forms::SetSourceOpener(&OpenMemory); }
+void InstallMemoryBooks() {
+    forms::SetSourceOpener(&OpenMemory);
+}
 
 std::shared_ptr<MemorySheet> MakeSheet(const std::vector<std::string>& columns,
                                        const std::vector<std::map<std::string, std::string>>& rows) {
@@ -68,7 +71,8 @@ std::shared_ptr<MemorySheet> MakeSheet(const std::vector<std::string>& columns,
 }
 
 std::vector<std::string> Form2Columns() {
-    std::vector<std::string> c = {"SecId", "No# secciones", "Rugosidad", "Si", "Caudal", "Ancho Zi", "Rugosidad Zi"};
+    std::vector<std::string> c = {"SecId",  "No# secciones", "Rugosidad",   "Si",
+                                  "Caudal", "Ancho Zi",      "Rugosidad Zi"};
     for (int j = 1; j <= 15; ++j) {
         c.push_back("z" + std::to_string(j));
         c.push_back("t" + std::to_string(j));
@@ -80,8 +84,9 @@ std::vector<std::string> Form2Columns() {
     return c;
 }
 
-std::map<std::string, std::string> SectionRow(int number, int count, const std::vector<std::pair<double, double>>& levels,
-                                              double n, double slope, double discharge) {
+std::map<std::string, std::string> SectionRow(int number, int count,
+                                              const std::vector<std::pair<double, double>>& levels, double n,
+                                              double slope, double discharge) {
     std::map<std::string, std::string> row;
     row["SecId"] = std::to_string(number);
     row["No# secciones"] = std::to_string(count);

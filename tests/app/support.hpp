@@ -31,7 +31,7 @@ std::shared_ptr<MemorySheet> MakeSheet(const std::vector<std::string>& columns,
                                        const std::vector<std::map<std::string, std::string>>& rows);
 
 class RecordingPrompter : public app::Prompter {
-public:
+  public:
     void Fault(QWidget*, const QString& message) override { faults << message; }
     void Note(QWidget*, const QString& message) override { notes << message; }
     bool Ask(QWidget*, const QString& question) override {
@@ -49,8 +49,9 @@ public:
 };
 
 // The level table, roughness, slope and discharge of one Form2 section, as a row of its sheet.
-std::map<std::string, std::string> SectionRow(int number, int count, const std::vector<std::pair<double, double>>& levels,
-                                              double n, double slope, double discharge);
+std::map<std::string, std::string> SectionRow(int number, int count,
+                                              const std::vector<std::pair<double, double>>& levels, double n,
+                                              double slope, double discharge);
 
 // The columns of the Form2 sheet.
 std::vector<std::string> Form2Columns();

@@ -2,9 +2,9 @@
 // have been computed, and Form1 after a channel overflowing into its flood zone. With CAUCE_CAPTURAS set to a
 // folder the pictures are written there (docs/form2.png, docs/form1.png come from this run).
 #include <QImage>
-#include <QToolButton>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QToolButton>
 #include <QtTest>
 
 #include "app/desktop.hpp"
@@ -48,7 +48,7 @@ void Type(app::ScreenView* view, const char* box, const QString& text) {
 
 class Capturas : public QObject {
     Q_OBJECT
-private slots:
+  private slots:
     void initTestCase() {
         app::LoadSpanishTranslation();
 #ifdef CAUCE_WITH_WORKBOOK
@@ -114,7 +114,7 @@ private slots:
         desktop.Exit();
     }
 
-private:
+  private:
     QTemporaryDir dir_;
     QString rios_;  // a copy of the bundled example workbook (empty without workbooks)
 };

@@ -33,23 +33,28 @@ int Count(const QImage& image, QColor colour, int tolerance = 40) {
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) {
             const QColor c = image.pixelColor(x, y);
-            if (std::abs(c.red() - colour.red()) + std::abs(c.green() - colour.green()) + std::abs(c.blue() - colour.blue()) < tolerance) ++n;
+            if (std::abs(c.red() - colour.red()) + std::abs(c.green() - colour.green()) +
+                    std::abs(c.blue() - colour.blue()) <
+                tolerance)
+                ++n;
         }
     return n;
 }
 
 // The water colour as it comes out over white.
-QColor WaterOnWhite() { return QColor(116, 176, 229); }
+QColor WaterOnWhite() {
+    return QColor(116, 176, 229);
+}
 
-const Figure kAll[] = {Figure::Cauces1, Figure::Cauces,  Figure::Cauces2, Figure::Summer,   Figure::Ctrape1,
-                       Figure::Ctrian1, Figure::Crectg1, Figure::Ctrapez, Figure::Ctrian,   Figure::Crectg,
+const Figure kAll[] = {Figure::Cauces1, Figure::Cauces,   Figure::Cauces2, Figure::Summer, Figure::Ctrape1,
+                       Figure::Ctrian1, Figure::Crectg1,  Figure::Ctrapez, Figure::Ctrian, Figure::Crectg,
                        Figure::Circulo, Figure::Circulo2, Figure::Circulo3};
 
 }  // namespace
 
 class Figuras : public QObject {
     Q_OBJECT
-private slots:
+  private slots:
     void namesAsTheScreensWriteThem_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("figure");
@@ -158,9 +163,9 @@ private slots:
     // the normal depth, the critical depth; before the click, the section without water.
     void form2SketchFollowsTheComputedSection() {
         auto screen = cauce::screens::MakeScreen("Form2");
-        const char* boxes[][2] = {{"Text61", "1"}, {"Text62", "1"},     {"Text1", "100"},   {"Text2", "2"},
-                                  {"Text3", "102"}, {"Text4", "2"},     {"Text93", "0.015"}, {"Text94", "0.001"},
-                                  {"Text95", "2"}};
+        const char* boxes[][2] = {{"Text61", "1"},     {"Text62", "1"},     {"Text1", "100"},
+                                  {"Text2", "2"},      {"Text3", "102"},    {"Text4", "2"},
+                                  {"Text93", "0.015"}, {"Text94", "0.001"}, {"Text95", "2"}};
         for (const auto& b : boxes) screen->Type(b[0], b[1]);
         auto before = SketchOf(*screen);
         QVERIFY(before.has_value());
@@ -185,9 +190,10 @@ private slots:
     // Overflowing into a flood zone 10 m wide: the outline spreads over the flood zone.
     void form2SketchOfTheFloodZone() {
         auto screen = cauce::screens::MakeScreen("Form2");
-        const char* boxes[][2] = {{"Text61", "1"}, {"Text62", "1"},      {"Text1", "100"},   {"Text2", "2"},
-                                  {"Text3", "101"}, {"Text4", "2"},      {"Text93", "0.015"}, {"Text94", "0.001"},
-                                  {"Text95", "8"},  {"Text96", "10"},    {"Text97", "0.04"}};
+        const char* boxes[][2] = {{"Text61", "1"},     {"Text62", "1"},     {"Text1", "100"},
+                                  {"Text2", "2"},      {"Text3", "101"},    {"Text4", "2"},
+                                  {"Text93", "0.015"}, {"Text94", "0.001"}, {"Text95", "8"},
+                                  {"Text96", "10"},    {"Text97", "0.04"}};
         for (const auto& b : boxes) screen->Type(b[0], b[1]);
         QVERIFY(!screen->Click("Command2"));
         QCOMPARE(screen->Get("Label31").text, std::string("HAY DESBORDAMIENTO"));

@@ -26,23 +26,30 @@ using app::Figure;
 
 namespace {
 
-QString Q(const std::string& s) { return QString::fromStdString(s); }
+QString Q(const std::string& s) {
+    return QString::fromStdString(s);
+}
 
 void Type(app::ScreenView& view, const char* box, const QString& text) {
     QLineEdit* edit = view.Box(box);
     QVERIFY2(edit, box);
     edit->setFocus();
     edit->selectAll();
-    if (text.isEmpty()) QTest::keyClick(edit, Qt::Key_Delete);
-    else QTest::keyClicks(edit, text);
+    if (text.isEmpty())
+        QTest::keyClick(edit, Qt::Key_Delete);
+    else
+        QTest::keyClicks(edit, text);
 }
 
-void Press(app::ScreenView& view, const char* button) { QTest::mouseClick(view.Button(button), Qt::LeftButton); }
+void Press(app::ScreenView& view, const char* button) {
+    QTest::mouseClick(view.Button(button), Qt::LeftButton);
+}
 
 // One section of the README: a rectangle 2 m wide and 2 m deep, n 0.015, S 0.001, Q 2 m3/s.
 void TypeRectangle(app::ScreenView& view) {
-    const char* boxes[][2] = {{"Text61", "1"},      {"Text62", "1"},      {"Text1", "100"}, {"Text2", "2"}, {"Text3", "102"},
-                              {"Text4", "2"},       {"Text93", "0.015"}, {"Text94", "0.001"}, {"Text95", "2"}};
+    const char* boxes[][2] = {{"Text61", "1"},     {"Text62", "1"},     {"Text1", "100"},
+                              {"Text2", "2"},      {"Text3", "102"},    {"Text4", "2"},
+                              {"Text93", "0.015"}, {"Text94", "0.001"}, {"Text95", "2"}};
     for (const auto& b : boxes) Type(view, b[0], b[1]);
 }
 
@@ -64,12 +71,13 @@ Shown Show(const char* name, app::Prompter& prompter, QSize size = {1000, 720}) 
 
 class Pantallas : public QObject {
     Q_OBJECT
-private slots:
+  private slots:
     void initTestCase() { app::LoadSpanishTranslation(); }
 
     void everyScreenShowsItsModel_data() {
         QTest::addColumn<QString>("screen");
-        for (std::string_view name : screens::ScreenNames()) QTest::newRow(std::string(name).c_str()) << Q(std::string(name));
+        for (std::string_view name : screens::ScreenNames())
+            QTest::newRow(std::string(name).c_str()) << Q(std::string(name));
     }
     // A widget per control, of its kind, with the model's text, at the layout's place.
     void everyScreenShowsItsModel() {
@@ -82,11 +90,21 @@ private slots:
             const QRect r = w->geometry();
             QCOMPARE(r, QRect(c.place.x, c.place.y, c.place.w, c.place.h));
             switch (c.kind) {
-                case forms::Kind::TextBox: QCOMPARE(s.view->Box(c.name)->text(), Q(c.text)); break;
-                case forms::Kind::Label: QCOMPARE(s.view->Caption(c.name)->text(), Q(c.text)); break;
-                case forms::Kind::CommandButton: QCOMPARE(s.view->Button(c.name)->text(), Q(c.text).replace("&", "&&")); break;
-                case forms::Kind::PictureBox: QCOMPARE(s.view->Picture(c.name)->PictureText(), c.text); break;
-                case forms::Kind::Data: QCOMPARE(s.view->DataNavigator()->Caption(), Q(c.text)); break;
+                case forms::Kind::TextBox:
+                    QCOMPARE(s.view->Box(c.name)->text(), Q(c.text));
+                    break;
+                case forms::Kind::Label:
+                    QCOMPARE(s.view->Caption(c.name)->text(), Q(c.text));
+                    break;
+                case forms::Kind::CommandButton:
+                    QCOMPARE(s.view->Button(c.name)->text(), Q(c.text).replace("&", "&&"));
+                    break;
+                case forms::Kind::PictureBox:
+                    QCOMPARE(s.view->Picture(c.name)->PictureText(), c.text);
+                    break;
+                case forms::Kind::Data:
+                    QCOMPARE(s.view->DataNavigator()->Caption(), Q(c.text));
+                    break;
             }
         }
     }
@@ -170,7 +188,8 @@ private slots:
         Type(*s.view, "Text95", "12");
         Type(*s.view, "Text96", "1");
         Press(*s.view, "Command2");
-        QCOMPARE(s.view->Caption("Label31")->text(), QStringLiteral("El ancho B no puede ser menor que Tn. Ver Figura"));
+        QCOMPARE(s.view->Caption("Label31")->text(),
+                 QStringLiteral("El ancho B no puede ser menor que Tn. Ver Figura"));
         QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Cauces);
         Type(*s.view, "Text96", "2");
         Type(*s.view, "Text97", "0.04");
@@ -186,7 +205,8 @@ private slots:
         TypeRectangle(*s.view);
         Type(*s.view, "Text62", "51");
         Press(*s.view, "Command2");
-        QCOMPARE(prompter.faults, QStringList{QStringLiteral("Subíndice fuera del intervalo: 51 no está entre 0 y 50")});
+        QCOMPARE(prompter.faults,
+                 QStringList{QStringLiteral("Subíndice fuera del intervalo: 51 no está entre 0 y 50")});
         QCOMPARE(s.view->Box("Text62")->text(), QStringLiteral("51"));
         QCOMPARE(s.view->Box("Text1")->text(), QStringLiteral("100"));
         QCOMPARE(s.view->Button("Command2")->text(), QStringLiteral("(Y?)"));
@@ -279,7 +299,8 @@ private slots:
         QCOMPARE(tables[0].Rows(), 15);
         QCOMPARE(tables[0].headings, (std::vector<std::string>{"Z fondo m", "Ancho m"}));
         QCOMPARE(tables[0].cells[14], (std::vector<std::string>{"Text29", "Text30"}));
-        QCOMPARE(tables[1].headings, (std::vector<std::string>{"Abscisa m", "Perfil Tipo", "Z agua m", "V media m/s"}));
+        QCOMPARE(tables[1].headings,
+                 (std::vector<std::string>{"Abscisa m", "Perfil Tipo", "Z agua m", "V media m/s"}));
         QCOMPARE(tables[1].cells[0], (std::vector<std::string>{"Text31", "Text32", "Text63", "Text78"}));
         QCOMPARE(tables[1].cells[7], (std::vector<std::string>{"Text45", "Text46", "Text70", "Text85"}));
     }
@@ -344,9 +365,12 @@ private slots:
         QTest::addColumn<QString>("discharge");
         QTest::addColumn<QString>("depth");
         QTest::addColumn<int>("figure");
-        QTest::newRow("below 0.3 D") << "0.1" << "0.25" << int(Figure::Circulo);
-        QTest::newRow("below half") << "0.3" << "0.44" << int(Figure::Circulo2);
-        QTest::newRow("above half") << "0.5" << "0.59" << int(Figure::Circulo3);
+        QTest::newRow("below 0.3 D") << "0.1"
+                                     << "0.25" << int(Figure::Circulo);
+        QTest::newRow("below half") << "0.3"
+                                    << "0.44" << int(Figure::Circulo2);
+        QTest::newRow("above half") << "0.5"
+                                    << "0.59" << int(Figure::Circulo3);
     }
     void form1ConduitFigures() {
         QFETCH(QString, discharge);

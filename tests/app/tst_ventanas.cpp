@@ -22,7 +22,9 @@ using namespace cauce::apptest;
 
 namespace {
 
-QString Q(const std::string& s) { return QString::fromStdString(s); }
+QString Q(const std::string& s) {
+    return QString::fromStdString(s);
+}
 
 void Type(app::ScreenView* view, const char* box, const QString& text) {
     QLineEdit* edit = view->Box(box);
@@ -31,7 +33,9 @@ void Type(app::ScreenView* view, const char* box, const QString& text) {
     QTest::keyClicks(edit, text);
 }
 
-void Click(QAbstractButton* button) { QTest::mouseClick(button, Qt::LeftButton); }
+void Click(QAbstractButton* button) {
+    QTest::mouseClick(button, Qt::LeftButton);
+}
 
 // Three sections of a rectangular channel 3 m wide falling 0.06 m in 60 m (S 0.001), 6 m3/s.
 std::shared_ptr<MemorySheet> Reach() {
@@ -57,7 +61,7 @@ QAction* MenuAction(QMainWindow* w, const QString& menu, const QString& text) {
 
 class Ventanas : public QObject {
     Q_OBJECT
-private slots:
+  private slots:
     void initTestCase() { InstallMemoryBooks(); }
     void init() {
         Books().clear();
@@ -123,7 +127,8 @@ private slots:
         Books()["rios.xlsx"]->fail_save = "No se puede guardar el libro: el disco está lleno";
         Type(w->View(), "Text95", "9");
         Click(w->View()->DataNavigator()->Next());
-        QCOMPARE(prompter.faults, QStringList{QStringLiteral("No se puede guardar el libro: el disco está lleno")});
+        QCOMPARE(prompter.faults,
+                 QStringList{QStringLiteral("No se puede guardar el libro: el disco está lleno")});
         QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 3"));
         QCOMPARE(w->View()->Box("Text95")->text(), QStringLiteral("9"));
         // Closing asks whether to lose the edit; "No" keeps the window.
@@ -153,7 +158,8 @@ private slots:
         QCOMPARE(w->Model().WorkbookPath(), std::string("otro.xls"));
         prompter.path = QStringLiteral("no-existe.xlsx");
         open->trigger();
-        QCOMPARE(prompter.faults, QStringList{QStringLiteral("No se puede abrir el libro \"no-existe.xlsx\"")});
+        QCOMPARE(prompter.faults,
+                 QStringList{QStringLiteral("No se puede abrir el libro \"no-existe.xlsx\"")});
         QCOMPARE(w->Model().WorkbookPath(), std::string("otro.xls"));
         QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 2"));
         // Cancelling the dialog changes nothing.
