@@ -171,6 +171,7 @@ void ScreenView::MarkReading(QLineEdit* box) {
 }
 
 void ScreenView::Press(const std::string& name) {
+    const bool was_closed = model_.Closed();
     std::optional<std::string> error;
     try {
         error = model_.Click(name);
@@ -181,7 +182,12 @@ void ScreenView::Press(const std::string& name) {
     Refresh();
     emit pressed(Q(name));
     if (error) prompter_.Fault(window(), Q(*error));
-    if (model_.Closed()) emit exitRequested();
+    // The model stays closed once "Salir" ran; if the user kept the program open then (a save that
+    // failed), only that button asks again.
+    if (model_.Closed() && (!was_closed || name == closing_button_)) {
+        closing_button_ = name;
+        emit exitRequested();
+    }
 }
 
 void ScreenView::MoveRecord(Move move) {

@@ -89,6 +89,7 @@ class ScreenView : public QWidget {
     std::vector<BoxTable> tables_;
     Navigator* navigator_ = nullptr;
     std::string last_table_box_;
+    std::string closing_button_;  // the button whose click closed the model
     bool refreshing_ = false;
 };
 
