@@ -36,6 +36,7 @@ Line Split(const std::string& s) {
 int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const ScreenFactory& make) {
     std::unique_ptr<Screen> screen;
     std::string raw;
+    bool ended = false;
     int number = 0;
     auto fail = [&](const std::string& why) {
         err << "guion: línea " << number << ": " << why << "\n";
@@ -43,14 +44,17 @@ int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const Scre
     };
     // A workbook operation: its fault ends the run with status 1 (the file is as it was); what it
     // has to tell the user goes to the error stream as well as into the "aviso" key.
-    auto workbook = [&](const std::function<void()>& op) {
+    auto workbook = [&](const std::function<void()>& op, bool opening = false) {
+        const std::string where = ended ? "al terminar" : "línea " + std::to_string(number);
+        const std::string before = screen->Notice();
         try {
             op();
         } catch (const Fault& f) {
-            err << "guion: línea " << number << ": " << f.what() << "\n";
+            err << "guion: " << where << ": " << f.what() << "\n";
             return false;
         }
-        if (!screen->Notice().empty()) err << "guion: línea " << number << ": " << screen->Notice() << "\n";
+        const std::string& notice = screen->Notice();
+        if (!notice.empty() && (opening || notice != before)) err << "guion: " << where << ": " << notice << "\n";
         return true;
     };
     while (std::getline(in, raw)) {
@@ -90,7 +94,7 @@ int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const Scre
         } else if (line.verb == "libro") {
             if (!screen->HasData()) return fail(screen->Name() + " no tiene libro de datos (Data1)");
             if (line.rest.empty()) return fail("falta la ruta del libro (libro RUTA)");
-            if (!workbook([&] { screen->OpenWorkbook(line.rest); })) return 1;
+            if (!workbook([&] { screen->OpenWorkbook(line.rest); }, true)) return 1;
         } else if (line.verb == "registro") {
             if (!screen->HasData()) return fail(screen->Name() + " no tiene libro de datos (Data1)");
             std::function<void()> move;
@@ -114,6 +118,7 @@ int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const Scre
             return fail("orden desconocida: \"" + line.verb + "\" (pantalla, escribir, oprimir, libro, registro, mostrar)");
         }
     }
+    ended = true;  // the saves from here on belong to no line of the script
     if (screen && !workbook([&] { screen->SavePending(); })) return 1;
     return 0;
 }

@@ -62,7 +62,9 @@ Package::Package(std::string bytes, std::string file) : bytes_(std::move(bytes))
     zip_error_init(&err);
     zip_source_t* src = zip_source_buffer_create(bytes_.data(), bytes_.size(), 0, &err);
     if (!src) raise(Damaged(file_, ZipReason(zip_error_code_zip(&err))));
-    zip_->za = zip_open_from_source(src, ZIP_RDONLY | ZIP_CHECKCONS, &err);
+    // No ZIP_CHECKCONS: it refuses harmless differences between local and central headers that some
+    // writers leave; damage still shows, as every part read is checked against its CRC.
+    zip_->za = zip_open_from_source(src, ZIP_RDONLY, &err);
     if (!zip_->za) {
         zip_source_free(src);
         const int code = zip_error_code_zip(&err);
@@ -214,6 +216,9 @@ std::string Package::Write(const std::map<std::string, std::string>& replaced,
         }
         for (const auto& [name, data] : replaced)
             if (!done.count(name)) AddBuffer(out, name, data, file_);
+        int length = 0;
+        if (const char* comment = zip_get_archive_comment(zip_->za, &length, ZIP_FL_ENC_RAW); comment && length > 0)
+            zip_set_archive_comment(out, comment, static_cast<zip_uint16_t>(length));
     });
 }
 
