@@ -1,17 +1,57 @@
 #include "cli/commands.hpp"
 
+#include <iostream>
+#include <vector>
+
+#include "cli/args.hpp"
+#include "cli/command.hpp"
+#include "cli/spanish.hpp"
+
 #ifdef CAUCE_HAS_WORKBOOK
 #include "workbook/install.hpp"
 #endif
 
 namespace cauce::cli {
 
+namespace {
+std::vector<Command>& Registered() {
+    static std::vector<Command> commands;
+    return commands;
+}
+}  // namespace
+
 void InstallWorkbooks() {
 #ifdef CAUCE_HAS_WORKBOOK
     workbook::Install();
 #endif
 }
-void AddCommands(CLI::App&) {}
-int RunCommand(CLI::App&) { return 0; }
+
+void AddCommands(CLI::App& app) {
+    auto& commands = Registered();
+    commands.push_back(AddPerfil(app));
+    commands.push_back(AddCanal(app));
+    commands.push_back(AddTubo(app));
+    commands.push_back(AddCurva(app));
+    commands.push_back(AddInforme(app));
+    SpanishCommandLine(app);
+}
+
+int RunCommand(CLI::App&) {
+    for (const auto& c : Registered())
+        if (c.app->parsed()) {
+            InstallWorkbooks();
+            return c.run();
+        }
+    return 0;
+}
+
+int Guarded(const std::string& name, const std::function<int()>& body) {
+    try {
+        return body();
+    } catch (const UsageError& e) {
+        std::cerr << "cauce " << name << ": " << e.what() << "\nVea \"cauce " << name << " --help\".\n";
+        return kExitUsage;
+    }
+}
 
 }  // namespace cauce::cli

@@ -34,7 +34,8 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
-        return app.exit(e);
+        // The help is a success; any option that cannot be understood ends with status 2.
+        return app.exit(e) == 0 ? 0 : 2;
     }
     if (guion->parsed()) {
         cli::InstallWorkbooks();

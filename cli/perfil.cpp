@@ -1,0 +1,216 @@
+// cauce perfil: the water-surface profile of one or more reaches, each a workbook, computed on its
+// profile screen exactly as a person would (cli/reach.hpp), printed as text, CSV or JSON.
+#include <iostream>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "cli/args.hpp"
+#include "cli/command.hpp"
+#include "cli/progress.hpp"
+#include "cli/reach.hpp"
+#include "cli/text_table.hpp"
+
+namespace cauce::cli {
+
+namespace {
+
+struct Options {
+    std::vector<std::string> books;
+    std::string sheet, y_initial, y_final, format = "texto";
+    bool save = false;
+};
+
+nlohmann::ordered_json NumberOrNull(const std::string& text) {
+    if (const auto v = ParseNumber(text)) return *v;
+    if (text.empty()) return nullptr;
+    return text;
+}
+
+nlohmann::ordered_json TextOrNull(const std::string& text) {
+    if (text.empty()) return nullptr;
+    return text;
+}
+
+bool Faulty(const SectionResult& s) { return s.faulty; }
+
+std::string SectionNotice(const SectionResult& s) {
+    std::string n = s.notice;
+    if (!s.error.empty()) n = s.error + (n.empty() ? "" : "; " + n);
+    return n;
+}
+
+// One line per section number: its "(Y?)" results joined with its row of the profile table.
+struct Joined {
+    const SectionResult* section = nullptr;
+    const ProfileRow* row = nullptr;
+};
+
+std::map<int, Joined> JoinBySection(const ReachResult& r) {
+    std::map<int, Joined> rows;
+    for (const auto& s : r.sections) rows[s.section].section = &s;
+    for (const auto& p : r.profile) rows[p.section].row = &p;
+    return rows;
+}
+
+void PrintText(std::ostream& out, const ReachResult& r) {
+    out << "Libro: " << r.path << "\n";
+    if (r.kind) out << "Hoja: " << r.kind->sheet << " (" << r.kind->form << ", " << r.kind->title << ")\n";
+    if (!r.depth.empty() && r.kind) out << r.kind->depth_name << ": " << r.depth << " m\n";
+    if (!r.sections.empty()) {
+        out << "\nResultados por sección (\"(Y?)\")\n";
+        TextTable t({"Registro", "Sección", "Yn m", "Yc m", "Q lleno m3/s", "Desborda", "Avisos"});
+        for (const auto& s : r.sections)
+            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno, s.overflow ? "sí" : "no",
+                   SectionNotice(s)});
+        t.Print(out);
+    }
+    if (!r.profile.empty()) {
+        out << "\nPerfil de la superficie del agua (\"Perfiles\", " << r.n_sections << " secciones)\n";
+        std::vector<std::string> head{"Sección", "Abscisa m", "Tipo", "Z agua m", "V media m/s"};
+        if (r.scour) head.push_back("Ysoc m");
+        TextTable t(head);
+        for (const auto& p : r.profile) {
+            std::vector<std::string> cells{std::to_string(p.section), p.chainage, p.type, p.zw, p.v};
+            if (r.scour) cells.push_back(p.ysoc);
+            t.Row(cells);
+        }
+        t.Print(out);
+    }
+    for (const auto& n : r.notices) out << "Aviso: " << n << "\n";
+    if (r.saved) out << "Tabla guardada en " << r.file << (r.save_note.empty() ? "" : " (" + r.save_note + ")") << "\n";
+    if (!r.Ok()) out << "Error: " << r.error << "\n";
+    out << "\n";
+}
+
+const char* kCsvHeader =
+    "libro,hoja,pantalla,registro,seccion,yn_m,yc_m,q_lleno_m3s,desborda,abscisa_m,tipo,z_agua_m,v_media_ms,ysoc_m,"
+    "aviso\n";
+
+void PrintCsv(std::ostream& out, const ReachResult& r) {
+    if (!r.kind) return;
+    for (const auto& [number, j] : JoinBySection(r)) {
+        std::vector<std::string> f{r.path, r.kind->sheet, r.kind->form};
+        if (j.section) {
+            const auto& s = *j.section;
+            f.insert(f.end(), {std::to_string(s.record), std::to_string(number), s.yn, s.yc, s.qlleno,
+                               s.overflow ? "si" : "no"});
+        } else {
+            f.insert(f.end(), {"", std::to_string(number), "", "", "", ""});
+        }
+        if (j.row) {
+            f.insert(f.end(), {j.row->chainage, j.row->type, j.row->zw, j.row->v, j.row->ysoc});
+        } else {
+            f.insert(f.end(), {"", "", "", "", ""});
+        }
+        f.push_back(j.section ? SectionNotice(*j.section) : "");
+        std::string line;
+        for (const auto& field : f) line += (line.empty() ? "" : ",") + CsvField(field);
+        out << line << "\n";
+    }
+}
+
+nlohmann::ordered_json ToJson(const ReachResult& r) {
+    nlohmann::ordered_json j;
+    j["libro"] = r.path;
+    j["archivo"] = TextOrNull(r.file);
+    j["hoja"] = r.kind ? nlohmann::ordered_json(r.kind->sheet) : nlohmann::ordered_json(nullptr);
+    j["pantalla"] = r.kind ? nlohmann::ordered_json(r.kind->form) : nlohmann::ordered_json(nullptr);
+    if (r.kind) j["tirante"] = {{"nombre", r.kind->depth_name}, {"valor", NumberOrNull(r.depth)}};
+    j["n_secciones"] = r.n_sections;
+    auto sections = nlohmann::ordered_json::array();
+    for (const auto& s : r.sections) {
+        sections.push_back({{"registro", s.record},
+                            {"seccion", s.section},
+                            {"yn", NumberOrNull(s.yn)},
+                            {"yc", NumberOrNull(s.yc)},
+                            {"q_lleno", NumberOrNull(s.qlleno)},
+                            {"desborda", s.overflow},
+                            {"calculada", s.computed},
+                            {"aviso", TextOrNull(s.notice)},
+                            {"error", TextOrNull(s.error)}});
+    }
+    j["secciones"] = sections;
+    auto profile = nlohmann::ordered_json::array();
+    for (const auto& p : r.profile) {
+        nlohmann::ordered_json row{{"seccion", p.section},       {"abscisa", NumberOrNull(p.chainage)},
+                                   {"tipo", TextOrNull(p.type)}, {"z_agua", NumberOrNull(p.zw)},
+                                   {"v_media", NumberOrNull(p.v)}};
+        if (r.scour) row["ysoc"] = NumberOrNull(p.ysoc);
+        profile.push_back(row);
+    }
+    j["perfil"] = profile;
+    j["avisos"] = r.notices;
+    j["guardado"] = r.saved;
+    if (r.saved) j["nota_guardado"] = TextOrNull(r.save_note);
+    j["error"] = TextOrNull(r.error);
+    return j;
+}
+
+int Run(const Options& o) {
+    const Format format = ParseFormat(o.format, true);
+    if (o.y_initial.empty() && o.y_final.empty())
+        throw UsageError("falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones \")");
+    if (!o.y_initial.empty()) NumberOption("--y-inicial", o.y_initial, Sign::Positive);
+    if (!o.y_final.empty()) NumberOption("--y-final", o.y_final, Sign::Positive);
+    if (!o.sheet.empty() && !KindOfSheet(o.sheet))
+        throw UsageError("--hoja: \"" + o.sheet + "\" no es una hoja de perfiles (use " + KindList() + ")");
+
+    ReachOptions ro{o.sheet, o.y_initial, o.y_final, o.save};
+    Progress progress("perfil", static_cast<int>(o.books.size()));
+    auto json = nlohmann::ordered_json::array();
+    bool failed = false;
+    if (format == Format::Csv) std::cout << kCsvHeader;
+    for (std::size_t b = 0; b < o.books.size(); ++b) {
+        progress.Step(static_cast<int>(b) + 1, o.books[b]);
+        const ReachResult r = RunReach(o.books[b], ro);
+        bool bad = !r.Ok();
+        for (const auto& s : r.sections) bad = bad || Faulty(s);
+        failed = failed || bad;
+        if (!r.Ok() || bad) {
+            progress.Clear();
+            if (!r.Ok()) std::cerr << "cauce perfil: " << o.books[b] << ": " << r.error << "\n";
+            for (const auto& s : r.sections)
+                if (Faulty(s))
+                    std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección " << s.section
+                              << "): " << SectionNotice(s) << "\n";
+        }
+        switch (format) {
+            case Format::Text: PrintText(std::cout, r); break;
+            case Format::Csv: PrintCsv(std::cout, r); break;
+            case Format::Json: json.push_back(ToJson(r)); break;
+        }
+        std::cout.flush();
+    }
+    progress.Clear();
+    if (format == Format::Json)
+        std::cout << json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+    return failed ? kExitData : kExitOk;
+}
+
+}  // namespace
+
+Command AddPerfil(CLI::App& parent) {
+    static Options o;
+    CLI::App* app = parent.add_subcommand("perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");
+    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")->required()->type_name("LIBRO");
+    app->add_option("--hoja", o.sheet, "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
+                                       "sin ella, la primera de ellas que tenga el libro")
+        ->type_name("NOMBRE");
+    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");
+    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")->type_name("Y");
+    app->add_flag("--guardar", o.save, "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
+    app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
+    app->footer(
+        "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al final),\n"
+        "luego el tirante y \"Perfiles\". Se imprimen por sección Yn, Yc, el caudal a banca llena y si desborda,\n"
+        "y la tabla del perfil (abscisa, tipo, cota del agua, velocidad y, en Form3, socavación).\n"
+        "Sale con 0 si todo se calculó, 1 si un libro o una sección no se pudo calcular, 2 si la orden está mal.\n"
+        "Ejemplos:\n"
+        "  cauce perfil Rios.xlsx --y-inicial 1.8\n"
+        "  cauce perfil Rios.xlsx --hoja Percanal --y-inicial 1.2 --formato csv > perfil.csv\n"
+        "  cauce perfil Ormandi.xlsx --y-final 2.5 --formato json\n"
+        "  cauce perfil tramo-*.xlsx --y-inicial 1.8 --guardar");
+    return {app, [] { return Guarded("perfil", [] { return Run(o); }); }};
+}
+
+}  // namespace cauce::cli

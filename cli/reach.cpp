@@ -1,0 +1,333 @@
+#include "cli/reach.hpp"
+
+#include <algorithm>
+#include <cctype>
+
+#include "forms/format.hpp"
+#include "forms/val.hpp"
+#include "hydraulics/fault.hpp"
+#include "hydraulics/natural/state.hpp"
+#include "screens/natural_screen.hpp"
+#include "screens/registry.hpp"
+
+#ifdef CAUCE_HAS_WORKBOOK
+#include "workbook/data_folder.hpp"
+#include "workbook/workbook.hpp"
+#endif
+
+namespace cauce::cli {
+
+namespace {
+
+std::string T(int n) { return "Text" + std::to_string(n); }
+
+// The boxes of each profile screen that the run types into and reads from.
+struct Boxes {
+    const char* depth;  // the depth at the last section
+    const char* depth_label;
+    const char *yn, *yc, *roughness, *slope, *discharge, *flood_width, *flood_roughness;
+    int type0, zw0, v0, ysoc0;  // box of row j is Text(base + j); type boxes are Text(type0 + 2j); 0: none
+};
+
+const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95", "Text96", "Text97",
+                          30, 62, 77, 0};
+const Boxes kScourBoxes{"Text128", "Label5", "Text129", "Text130", "Text123", "Text124", "Text125", "Text126",
+                        "Text127", 0, 75, 90, 105};
+
+const Boxes& BoxesOf(const ReachKind& kind) { return kind.scour ? kScourBoxes : kProfileBoxes; }
+
+std::string Trim(std::string_view s) {
+    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
+    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
+    std::string out(s);
+    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return out;
+}
+
+// A box's number as the screen reads it; a text that overflows reads as nothing usable.
+bool WholeNumber(const std::string& text, int& out) {
+    try {
+        out = forms::CInt(forms::Val(text));
+        return true;
+    } catch (const Fault&) {
+        return false;
+    }
+}
+
+// The message the section table of section i gave when "(Y?)" built it, read from the level tables
+// the screen's Qful left: it stops at the first level that does not rise or whose width shrinks.
+std::string TableMessage(const natural::State& st, int i) {
+    try {
+        for (int j = 2; j <= st.npts(i); ++j) {
+            if (st.Yj(i, j) - st.Yj(i, j - 1) <= 0) return natural::kCotasError;
+            if (st.m(i, j) < 0) return natural::kAnchosError;
+        }
+    } catch (const Fault&) {
+    }
+    return "";
+}
+
+void Append(std::string& to, const std::string& what) {
+    if (what.empty()) return;
+    if (!to.empty()) to += "; ";
+    to += what;
+}
+
+SectionInput ReadInput(const forms::Screen& s, const ReachKind& kind) {
+    const Boxes& b = BoxesOf(kind);
+    SectionInput in;
+    in.secid = s.Get("Text62").text;
+    in.sections = s.Get("Text61").text;
+    for (int j = 1; j <= 15; ++j) {
+        const std::string& z = s.Get(T(2 * j - 1)).text;
+        if (forms::Val(z) == 0) break;  // the screen's level count ends here too
+        in.levels.emplace_back(z, s.Get(T(2 * j)).text);
+    }
+    in.roughness = s.Get(b.roughness).text;
+    in.slope = s.Get(b.slope).text;
+    in.discharge = s.Get(b.discharge).text;
+    in.flood_width = s.Get(b.flood_width).text;
+    in.flood_roughness = s.Get(b.flood_roughness).text;
+    if (kind.scour) {
+        in.chainage = s.Get("Text131").text;
+        in.grain_size = s.Get("Text122").text;
+    }
+    return in;
+}
+
+// "(Y?)" on the record shown.
+SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record) {
+    const Boxes& b = BoxesOf(kind);
+    const auto& model = dynamic_cast<const screens::NaturalScreen&>(s);
+    SectionResult r;
+    r.record = record;
+    try {
+        r.input = ReadInput(s, kind);
+    } catch (const Fault&) {
+        // A level box that overflows: "(Y?)" below reports the fault.
+    }
+    const auto fault = s.Click("Command2");
+    const natural::State& st = model.State();
+    r.section = st.i;
+    const std::string message = s.Get("Label31").text;
+    if (fault) {
+        r.error = *fault;
+        r.faulty = true;
+        return r;
+    }
+    // Results are written when the section stays in its banks or the flood zone takes the rest;
+    // a flood zone narrower than the channel, or Form3's missing roughness, leaves them as they were.
+    try {
+        const bool no_discharge = st.Q(st.i) == 0;
+        r.computed = (message.empty() || message == natural::kDesbordamiento) && !no_discharge;
+        r.overflow = message == natural::kDesbordamiento || message == natural::kAnchoMenor;
+        if (r.computed || r.overflow || (message.empty() && no_discharge)) {
+            const std::string table = TableMessage(st, st.i);
+            Append(r.notice, table);
+            r.faulty = !table.empty();
+            r.qlleno = forms::Format(st.Qlleno(st.i), "0.00");
+        }
+        if (message != natural::kDesbordamiento) {
+            Append(r.notice, message);
+            r.faulty = r.faulty || !message.empty();
+        }
+        if (message.empty() && no_discharge) Append(r.notice, "Sin caudal: la sección no se calcula");
+    } catch (const Fault& f) {
+        r.error = f.what();
+        r.faulty = true;
+        return r;
+    }
+    if (!r.computed) return r;
+    r.yn = s.Get(b.yn).text;
+    r.yc = s.Get(b.yc).text;
+    return r;
+}
+
+// The order of the clicks: the sections below N in the sheet's order, then the first record whose
+// section number reaches N (that click hands over to "Perfiles"; the screen computes nothing after it).
+struct Plan {
+    std::vector<int> records;
+    std::vector<std::string> notices;
+    std::string error;
+};
+
+Plan PlanClicks(const forms::RecordSource& src) {
+    Plan plan;
+    int last = 0;
+    std::vector<int> late;
+    for (int r = 1; r <= src.RecordCount(); ++r) {
+        const std::string secid = src.HasColumn("SecId") ? src.Get(r, "SecId") : "";
+        const std::string count = src.HasColumn("No# secciones") ? src.Get(r, "No# secciones") : "";
+        int i = 0, n = 0;
+        if (!WholeNumber(secid, i) || !WholeNumber(count, n)) {
+            plan.notices.push_back("El registro " + std::to_string(r) +
+                                   " no tiene un número de sección válido: no se calcula.");
+            continue;
+        }
+        if (Trim(secid).empty() && Trim(count).empty()) continue;  // an empty row
+        if (n < 1) {
+            plan.notices.push_back("El registro " + std::to_string(r) + " (sección " + secid +
+                                   ") no dice el número de secciones: no se calcula.");
+            continue;
+        }
+        if (i < n) {
+            plan.records.push_back(r);
+        } else if (last == 0) {
+            last = r;
+        } else {
+            late.push_back(r);
+        }
+    }
+    for (const int r : late)
+        plan.notices.push_back("El registro " + std::to_string(r) + " (sección " + src.Get(r, "SecId") +
+                               ") no se calcula: la última sección ya activó \"Perfiles\".");
+    if (last == 0) {
+        plan.error =
+            "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se activa.";
+        return plan;
+    }
+    plan.records.push_back(last);
+    return plan;
+}
+
+}  // namespace
+
+const std::vector<ReachKind>& ReachKinds() {
+    static const std::vector<ReachKind> kinds{
+        {"Form2", "Persecc", "perfiles en cauces naturales", "Y inicial", "--y-inicial", false},
+        {"Form4", "Percanal", "perfiles en canales prismáticos", "Y inicial", "--y-inicial", false},
+        {"Form3", "secciones ", "perfiles y socavación en cauces naturales", "Y final", "--y-final", true},
+    };
+    return kinds;
+}
+
+const ReachKind* KindOfSheet(std::string_view sheet) {
+    const std::string want = Trim(sheet);
+    for (const auto& k : ReachKinds())
+        if (Trim(k.sheet) == want) return &k;
+    return nullptr;
+}
+
+std::string KindList() { return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)"; }
+
+std::string DefaultSheet(const std::string& path, std::string& why) {
+#ifdef CAUCE_HAS_WORKBOOK
+    try {
+        const auto book = workbook::Workbook::Open(workbook::ResolveWorkbookPath(path));
+        const auto names = book->SheetNames();
+        for (const auto& k : ReachKinds())
+            if (std::find(names.begin(), names.end(), k.sheet) != names.end()) return k.sheet;
+        std::string list;
+        for (const auto& n : names) list += (list.empty() ? "\"" : ", \"") + n + "\"";
+        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() + "); sus hojas son " +
+              (list.empty() ? "ninguna" : list) + ".";
+    } catch (const Fault& f) {
+        why = f.what();
+    }
+#else
+    (void)path;
+    why = "Esta versión se compiló sin libros de Excel.";
+#endif
+    return "";
+}
+
+ReachResult RunReach(const std::string& path, const ReachOptions& options, const SectionObserver& observer) {
+    ReachResult res;
+    res.path = path;
+    std::string sheet = options.sheet;
+    if (sheet.empty()) {
+        sheet = DefaultSheet(path, res.error);
+        if (sheet.empty()) return res;
+    }
+    res.kind = KindOfSheet(sheet);
+    if (!res.kind) {
+        res.error = "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
+        return res;
+    }
+    const ReachKind& kind = *res.kind;
+    const Boxes& b = BoxesOf(kind);
+    res.depth = kind.scour ? options.y_final : options.y_initial;
+    if (res.depth.empty()) {
+        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " + kind.option +
+                    ": el tirante en la última sección.";
+        return res;
+    }
+
+    auto screen = screens::MakeScreen(kind.form);
+    try {
+        screen->OpenWorkbook(path);
+        res.file = screen->WorkbookPath();
+        if (!screen->Notice().empty()) res.notices.push_back(screen->Notice());
+        const Plan plan = PlanClicks(*screen->Source());
+        for (const auto& n : plan.notices) res.notices.push_back(n);
+        if (!plan.error.empty()) {
+            res.error = plan.error;
+            return res;
+        }
+        for (const int record : plan.records) {
+            screen->MoveTo(record);
+            res.sections.push_back(ComputeSection(*screen, kind, record));
+            if (observer) observer(*screen, &res.sections.back());
+        }
+    } catch (const Fault& f) {
+        res.error = f.what();
+        return res;
+    }
+    const auto& st = dynamic_cast<const screens::NaturalScreen&>(*screen).State();
+    res.n_sections = st.N;
+    if (screen->Get("Command1").text != "Perfiles") {
+        res.error = "La última sección no se pudo calcular: \"Perfiles\" no se activó.";
+        return res;
+    }
+
+    screen->Type(b.depth, res.depth);
+    const std::string before = screen->Get("Label31").text;
+    if (const auto fault = screen->Click("Command1")) {
+        res.error = "El cálculo del perfil se detuvo: " + *fault;
+        return res;
+    }
+    // "Incluya Y inicial" beside the depth box, or a message of the run (Form3: no flow area) that
+    // stopped it before the table.
+    const std::string asked = screen->Get(b.depth_label).text;
+    if (asked.rfind("Incluya", 0) == 0) {
+        res.error = asked + " (" + kind.option + ")";
+        return res;
+    }
+    if (screen->Get("Label31").text != before) {
+        res.error = screen->Get("Label31").text;
+        return res;
+    }
+
+    // The table as the screen shows it, rows 1..N (at most the fifteen it has).
+    res.scour = kind.scour && forms::Val(screen->Get("Text122").text) > 0;
+    const int rows = std::min(std::max(st.N, 0), 15);
+    try {
+        for (int j = 1; j <= rows; ++j) {
+            ProfileRow row;
+            row.section = j;
+            row.chainage = forms::Format(st.X(j), "0.00");
+            row.type = b.type0 ? screen->Get(T(b.type0 + 2 * j)).text : st.Tipo(j);
+            row.zw = screen->Get(T(b.zw0 + j)).text;
+            row.v = screen->Get(T(b.v0 + j)).text;
+            if (res.scour) row.ysoc = screen->Get(T(b.ysoc0 + j)).text;
+            res.profile.push_back(row);
+        }
+    } catch (const Fault& f) {
+        res.error = f.what();
+        return res;
+    }
+    if (observer) observer(*screen, nullptr);
+
+    if (options.save) {
+        try {
+            res.save_note = screen->SavePending();
+            res.saved = true;
+            res.file = screen->WorkbookPath();
+        } catch (const Fault& f) {
+            res.error = "La tabla no se guardó: " + std::string(f.what());
+        }
+    }
+    return res;
+}
+
+}  // namespace cauce::cli
