@@ -154,11 +154,12 @@ def create_xml(path, prefix=""):
         # cell references (cells follow one another), a formula with a string result, an inline string.
         # E2 holds the text of a shared formula that E4 uses too; calcChain lists E2..E4 and F3.
         "xl/worksheets/sheet1.xml": decl +
-        f'<{p}worksheet {ns}><{p}dimension ref="A1:F4"/><{p}sheetData>'
+        f'<{p}worksheet {ns}><{p}dimension ref="A1:G4"/><{p}sheetData>'
         f'<{p}row r="1"><{p}c r="A1" t="s"><{p}v>0</{p}v></{p}c><{p}c r="B1" t="s"><{p}v>2</{p}v></{p}c>'
         f'<{p}c r="C1" t="s"><{p}v>1</{p}v></{p}c><{p}c r="D1" t="inlineStr"><{p}is><{p}t>Nota</{p}t></{p}is></{p}c>'
         f'<{p}c r="E1" t="inlineStr"><{p}is><{p}t>Doble</{p}t></{p}is></{p}c>'
-        f'<{p}c r="F1" t="inlineStr"><{p}is><{p}t>Texto</{p}t></{p}is></{p}c></{p}row>'
+        f'<{p}c r="F1" t="inlineStr"><{p}is><{p}t>Texto</{p}t></{p}is></{p}c>'
+        f'<{p}c r="G1" t="inlineStr"><{p}is><{p}t>Extra</{p}t></{p}is></{p}c></{p}row>'
         f'<{p}row r="2"><{p}c r="A2"><{p}v>1</{p}v></{p}c><{p}c r="B2" s="1"><{p}v>0.035000000000000003</{p}v></{p}c>'
         f'<{p}c r="C2"><{p}v>12.5</{p}v></{p}c><{p}c r="D2" t="s"><{p}v>3</{p}v></{p}c>'
         f'<{p}c r="E2"><{p}f t="shared" ref="E2:E4" si="0">C2*2</{p}f><{p}v>25</{p}v></{p}c>'

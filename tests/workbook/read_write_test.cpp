@@ -95,6 +95,7 @@ TEST_P(HandWritten, EditsKeepFormulasChainAndUntouchedPartsCoherent) {
         rec.Set(1, "Rugosidad", "0.05");  // a styled cell keeps its number format
         rec.Set(3, "Rugosidad", "0.04");  // a new cell between two others
         rec.Set(2, "Texto", "");          // a formula cell cleared
+        rec.Set(2, "Extra", "nuevo");     // a new cell in the row whose cells carry no references
         rec.Set(1, "Caudal", "12.5");     // unchanged text: the cell is left alone
         EXPECT_EQ(rec.Save(), "");
     }
@@ -108,6 +109,7 @@ TEST_P(HandWritten, EditsKeepFormulasChainAndUntouchedPartsCoherent) {
     EXPECT_EQ(rows[1][4], 30);
     EXPECT_EQ(rows[3][1], 0.04);
     EXPECT_EQ(rows[2][5], nullptr);
+    EXPECT_EQ(rows[2], nlohmann::json::parse(R"([2, -2.5, 0.001, "línea_x000D_\nnueva", "=C3*2", null, "nuevo"])"));
     EXPECT_EQ(rows[1][2], 12.5);
 
     const auto after = RawParts(file_);
