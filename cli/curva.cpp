@@ -295,7 +295,7 @@ int Run(const Options& o) {
 Command AddCurva(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand("curva", "Curva de gasto (profundidad normal contra caudal) de una sección");
-    app->add_option("LIBRO", o.book, "Libro de Excel con la sección (con --hoja y --registro)")->type_name("LIBRO");
+    app->add_option("LIBRO", o.book, "Libro de Excel con la sección (con --hoja y --registro)")->type_name("");
     app->add_option("--hoja", o.sheet, "Hoja del libro (Persecc, Percanal, Zorvena, \"secciones \", Canales)")
         ->type_name("NOMBRE");
     app->add_option("--registro", o.record, "Fila de la hoja (1 es la primera bajo los encabezados)")->type_name("N");

@@ -30,7 +30,7 @@ int Run(const Options& o) {
 Command AddInforme(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand("informe", "Escribe en PDF el informe de cálculo de un tramo");
-    app->add_option("LIBRO", o.book, "Libro de Excel del tramo")->required()->type_name("LIBRO");
+    app->add_option("LIBRO", o.book, "Libro de Excel del tramo")->required()->type_name("");
     app->add_option("--hoja", o.sheet, "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)")
         ->type_name("NOMBRE");
     app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");

@@ -34,9 +34,14 @@ nlohmann::ordered_json TextOrNull(const std::string& text) {
 bool Faulty(const SectionResult& s) { return s.faulty; }
 
 std::string SectionNotice(const SectionResult& s) {
-    std::string n = s.notice;
-    if (!s.error.empty()) n = s.error + (n.empty() ? "" : "; " + n);
-    return n;
+    if (s.error.empty()) return s.notice;
+    return s.notice + (s.notice.empty() ? "" : "; ") + "el cálculo se detuvo: " + s.error;
+}
+
+// Whether the discharge leaves the banks; nothing for a section the screen did not get to compute.
+std::string Overflow(const SectionResult& s, const char* yes) {
+    if (s.overflow) return yes;
+    return s.computed ? "no" : "";
 }
 
 // One line per section number: its "(Y?)" results joined with its row of the profile table.
@@ -60,7 +65,7 @@ void PrintText(std::ostream& out, const ReachResult& r) {
         out << "\nResultados por sección (\"(Y?)\")\n";
         TextTable t({"Registro", "Sección", "Yn m", "Yc m", "Q lleno m3/s", "Desborda", "Avisos"});
         for (const auto& s : r.sections)
-            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno, s.overflow ? "sí" : "no",
+            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno, Overflow(s, "sí"),
                    SectionNotice(s)});
         t.Print(out);
     }
@@ -93,7 +98,7 @@ void PrintCsv(std::ostream& out, const ReachResult& r) {
         if (j.section) {
             const auto& s = *j.section;
             f.insert(f.end(), {std::to_string(s.record), std::to_string(number), s.yn, s.yc, s.qlleno,
-                               s.overflow ? "si" : "no"});
+                               Overflow(s, "si")});
         } else {
             f.insert(f.end(), {"", std::to_string(number), "", "", "", ""});
         }
@@ -192,7 +197,7 @@ int Run(const Options& o) {
 Command AddPerfil(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand("perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");
-    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")->required()->type_name("LIBRO");
+    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")->required()->type_name("");
     app->add_option("--hoja", o.sheet, "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
                                        "sin ella, la primera de ellas que tenga el libro")
         ->type_name("NOMBRE");

@@ -111,6 +111,8 @@ SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record
     r.section = st.i;
     const std::string message = s.Get("Label31").text;
     if (fault) {
+        // A faulty section table is usually why the click faulted: it is told too.
+        r.notice = TableMessage(st, st.i);
         r.error = *fault;
         r.faulty = true;
         return r;
@@ -143,8 +145,9 @@ SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record
     return r;
 }
 
-// The order of the clicks: the sections below N in the sheet's order, then the first record whose
-// section number reaches N (that click hands over to "Perfiles"; the screen computes nothing after it).
+// The order of the clicks: the sections below N in the sheet's order, then the record of section N
+// (or, lacking it, the first numbered above N): that click hands over to "Perfiles", and the screen
+// computes no section after it.
 struct Plan {
     std::vector<int> records;
     std::vector<std::string> notices;
@@ -153,8 +156,13 @@ struct Plan {
 
 Plan PlanClicks(const forms::RecordSource& src) {
     Plan plan;
-    int last = 0;
-    std::vector<int> late;
+    // The record that hands over to "Perfiles" (section N, else the first numbered above N), and
+    // those left out because of it: record, section number, N.
+    struct Numbered {
+        int record = 0, i = 0, n = 0;
+    };
+    Numbered last;
+    std::vector<Numbered> late;
     for (int r = 1; r <= src.RecordCount(); ++r) {
         const std::string secid = src.HasColumn("SecId") ? src.Get(r, "SecId") : "";
         const std::string count = src.HasColumn("No# secciones") ? src.Get(r, "No# secciones") : "";
@@ -170,23 +178,27 @@ Plan PlanClicks(const forms::RecordSource& src) {
                                    ") no dice el número de secciones: no se calcula.");
             continue;
         }
+        const Numbered here{r, i, n};
         if (i < n) {
             plan.records.push_back(r);
-        } else if (last == 0) {
-            last = r;
+        } else if (last.record == 0 || (i == n && last.i != last.n)) {
+            if (last.record != 0) late.push_back(last);
+            last = here;
         } else {
-            late.push_back(r);
+            late.push_back(here);
         }
     }
-    for (const int r : late)
-        plan.notices.push_back("El registro " + std::to_string(r) + " (sección " + src.Get(r, "SecId") +
-                               ") no se calcula: la última sección ya activó \"Perfiles\".");
-    if (last == 0) {
+    std::sort(late.begin(), late.end(), [](const Numbered& a, const Numbered& b) { return a.record < b.record; });
+    for (const auto& l : late)
+        plan.notices.push_back("El registro " + std::to_string(l.record) + " (sección " + std::to_string(l.i) +
+                               ") no se calcula: el tramo termina en la sección " + std::to_string(last.i) +
+                               ", que activa \"Perfiles\".");
+    if (last.record == 0) {
         plan.error =
             "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se activa.";
         return plan;
     }
-    plan.records.push_back(last);
+    plan.records.push_back(last.record);
     return plan;
 }
 

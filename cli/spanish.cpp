@@ -40,26 +40,29 @@ std::string SpanishParseError(const CLI::App* app, const CLI::Error& e) {
     const std::string what = e.what();
     const std::string name = e.get_name();
     std::string message;
-    if (name == "ExtrasError") {
-        const std::string extras = After(what, ": ");
+    // A sub-command's errors carry its name instead of the error's, so the messages are told apart
+    // by their text as well.
+    if (name == "ExtrasError" || what.find(" not expected: ") != std::string::npos) {
+        const std::string extras = After(what, "expected: ");
         message = (what.find("arguments were") != std::string::npos ? "Argumentos no reconocidos: "
                                                                       : "Argumento no reconocido: ") +
                   extras;
-    } else if (name == "RequiredError") {
-        if (what.rfind("A subcommand", 0) == 0 || what.find("subcommand") != std::string::npos) {
+    } else if (name == "RequiredError" || EndsWith(what, " is required")) {
+        if (what.find("subcommand") != std::string::npos) {
             message = "Falta la orden (guion, perfil, canal, tubo, curva o informe).";
         } else if (EndsWith(what, " is required")) {
             message = "Falta " + Before(what, " is required") + ", que es obligatorio.";
         } else {
             message = "Faltan argumentos obligatorios: " + what;
         }
-    } else if (name == "ArgumentMismatch") {
+    } else if (name == "ArgumentMismatch" || what.find(" required ") != std::string::npos ||
+               what.find(" arguments to ") != std::string::npos) {
         std::string option = Before(what, ":");
         if (what.find(" arguments to ") != std::string::npos) option = Before(After(what, " arguments to "), ",");
         message = "A " + option + " le falta su valor (o sobran valores).";
-    } else if (name == "ExcludesError") {
+    } else if (what.find(" excludes ") != std::string::npos) {
         message = Before(what, " excludes ") + " no se puede usar junto con " + After(what, " excludes ") + ".";
-    } else if (name == "RequiresError") {
+    } else if (what.find(" requires ") != std::string::npos) {
         message = Before(what, " requires ") + " necesita también " + After(what, " requires ") + ".";
     } else if (name == "ConversionError" || name == "ValidationError") {
         message = "Valor no válido: " + what;
@@ -78,7 +81,7 @@ void SpanishCommandLine(CLI::App& app) {
     fmt->label("Positionals", "Argumentos");
     fmt->label("SUBCOMMAND", "ORDEN");
     fmt->label("SUBCOMMANDS", "ÓRDENES");
-    fmt->label("REQUIRED", "(obligatoria)");
+    fmt->label("REQUIRED", "(obligatorio)");
     fmt->label("TEXT", "TEXTO");
     fmt->label("FLOAT", "NÚMERO");
     fmt->label("INT", "ENTERO");

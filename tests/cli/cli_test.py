@@ -1,0 +1,638 @@
+#!/usr/bin/python3
+"""Tests of cauce's headless commands (perfil, canal, tubo, curva, informe), run as a user runs them.
+
+The numbers are checked against the screens driven line by line through "cauce guion" (what a person
+sees on the desktop), against hand formulas and bisections of Manning's equation worked out here, and
+the outputs are read back with independent parsers (csv, json, openpyxl, pdftotext).
+
+Environment: CAUCE (the program), CAUCE_EJEMPLOS (the bundled example workbooks), CAUCE_CON_GUI (1 when
+the program draws PNG and PDF). Every test works in a scratch folder of its own, with CAUCE_DATOS
+pointing into it.
+"""
+import csv
+import io
+import json
+import math
+import os
+import pty
+import select
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import openpyxl
+
+CAUCE = os.environ.get("CAUCE", "cauce")
+EXAMPLES = os.environ.get("CAUCE_EJEMPLOS", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
+WITH_GUI = os.environ.get("CAUCE_CON_GUI") == "1"
+
+# The profile screens: sheet, screen, depth box, result boxes, table boxes (row j: base + j).
+REACHES = {
+    "Persecc": dict(form="Form2", depth="Text98", yn="Text99", yc="Text100", label="Label31",
+                    tipo=lambda j: "Text%d" % (30 + 2 * j), za=62, v=77, ysoc=None, option="--y-inicial"),
+    "Percanal": dict(form="Form4", depth="Text98", yn="Text99", yc="Text100", label="Label31",
+                     tipo=lambda j: "Text%d" % (30 + 2 * j), za=62, v=77, ysoc=None, option="--y-inicial"),
+    "secciones ": dict(form="Form3", depth="Text128", yn="Text129", yc="Text130", label="Label31",
+                       tipo=None, za=75, v=90, ysoc=105, option="--y-final"),
+}
+
+
+class Scratch(unittest.TestCase):
+    """A scratch folder with copies of the example workbooks and its own data folder."""
+
+    def setUp(self):
+        self.dir = tempfile.mkdtemp(prefix="cauce-cli-")
+        for name in ("Rios.xlsx", "Ormandi.xlsx"):
+            shutil.copy(os.path.join(EXAMPLES, name), os.path.join(self.dir, name))
+        self.env = dict(os.environ, CAUCE_DATOS=os.path.join(self.dir, "datos"), LC_ALL="C.UTF-8")
+
+    def tearDown(self):
+        shutil.rmtree(self.dir, ignore_errors=True)
+
+    def path(self, name):
+        return os.path.join(self.dir, name)
+
+    def run_cauce(self, *args, stdin=None):
+        return subprocess.run([CAUCE, *args], cwd=self.dir, env=self.env, input=stdin, capture_output=True,
+                              text=True, timeout=300)
+
+    def ok(self, *args):
+        r = self.run_cauce(*args)
+        self.assertEqual(r.returncode, 0, "cauce %s\n%s%s" % (" ".join(args), r.stdout, r.stderr))
+        return r.stdout
+
+    def guion(self, lines):
+        """Runs a driver script; returns the JSON objects of its "mostrar" lines."""
+        r = self.run_cauce("guion", stdin="\n".join(lines) + "\n")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        return [json.loads(line) for line in r.stdout.splitlines()]
+
+
+def sheet_rows(path, sheet):
+    """The sheet's records as dicts by header, read by openpyxl."""
+    ws = openpyxl.load_workbook(path, data_only=True)[sheet]
+    rows = list(ws.iter_rows(values_only=True))
+    head = rows[0]
+    return [dict(zip(head, r)) for r in rows[1:] if any(v is not None for v in r)]
+
+
+def text(v):
+    """A cell as a person would type it into a box."""
+    if v is None:
+        return ""
+    if isinstance(v, float) and v.is_integer():
+        return str(int(v))
+    return str(v)
+
+
+def click_order(records):
+    """Records below N in sheet order, then the first that reaches N (1-based record numbers)."""
+    early, last = [], None
+    for k, r in enumerate(records, start=1):
+        if int(r["SecId"]) < int(r["No# secciones"]):
+            early.append(k)
+        elif last is None:
+            last = k
+    return early + [last]
+
+
+def same(value, shown):
+    """A value of the JSON output against the text the screen shows: the same number, or the same text."""
+    try:
+        return value == float(shown)
+    except ValueError:
+        return value == shown
+
+
+def manning_depth(q, b, z, n, s):
+    """Normal depth of a trapezoid by bisection of Manning's equation (independent of the program)."""
+    def flow(y):
+        a = (b + z * y) * y
+        p = b + 2 * y * math.sqrt(1 + z * z)
+        return math.sqrt(s) / n * a ** (5 / 3) / p ** (2 / 3)
+    lo, hi = 1e-9, 100.0
+    for _ in range(200):
+        mid = (lo + hi) / 2
+        if flow(mid) < q:
+            lo = mid
+        else:
+            hi = mid
+    return lo
+
+
+class PerfilTest(Scratch):
+    """cauce perfil prints the numbers the screens show for the bundled workbooks."""
+
+    def screen_run(self, book, sheet, depth):
+        """The reach driven through the screen with "cauce guion": per record its results, then the table."""
+        cfg = REACHES[sheet]
+        records = sheet_rows(self.path(book), sheet)
+        shutil.copy(self.path(book), self.path("guion-" + book))  # the driver saves at the end
+        lines = ["pantalla " + cfg["form"], "libro guion-" + book]
+        order = click_order(records)
+        for k in order:
+            lines += ["registro %d" % k, "oprimir Command2", "mostrar"]
+        lines += ["escribir %s %s" % (cfg["depth"], depth), "oprimir Command1", "mostrar"]
+        shown = self.guion(lines)
+        return records, order, shown[:-1], shown[-1]
+
+    def check_reach(self, book, sheet, depth):
+        cfg = REACHES[sheet]
+        records, order, sections, table = self.screen_run(book, sheet, depth)
+        out = self.ok("perfil", book, "--hoja", sheet, cfg["option"], depth, "--formato", "csv")
+        rows = list(csv.DictReader(io.StringIO(out)))
+        by_section = {int(r["seccion"]): r for r in rows}
+        n = int(records[order[-1] - 1]["No# secciones"])
+        self.assertEqual(sorted(by_section), list(range(1, n + 1)))
+        for k, state in zip(order, sections):
+            self.assertNotIn("error", state)
+            row = by_section[int(state["Text62"])]
+            self.assertEqual(int(row["registro"]), k)
+            self.assertEqual(row["yn_m"], state[cfg["yn"]], "Yn, registro %d" % k)
+            self.assertEqual(row["yc_m"], state[cfg["yc"]], "Yc, registro %d" % k)
+            self.assertEqual(row["desborda"], "si" if state[cfg["label"]] == "HAY DESBORDAMIENTO" else "no")
+        for j in range(1, min(n, 15) + 1):
+            row = by_section[j]
+            self.assertEqual(row["z_agua_m"], table["Text%d" % (cfg["za"] + j)], "Z agua, sección %d" % j)
+            self.assertEqual(row["v_media_ms"], table["Text%d" % (cfg["v"] + j)], "V media, sección %d" % j)
+            if cfg["tipo"]:
+                self.assertEqual(row["tipo"], table[cfg["tipo"](j)], "tipo, sección %d" % j)
+            if cfg["ysoc"]:
+                self.assertEqual(row["ysoc_m"], table["Text%d" % (cfg["ysoc"] + j)], "Ysoc, sección %d" % j)
+        return records, rows
+
+    def test_rios_persecc_as_form2_shows(self):
+        self.check_reach("Rios.xlsx", "Persecc", "1.8")
+
+    def test_rios_percanal_as_form4_shows(self):
+        self.check_reach("Rios.xlsx", "Percanal", "1.2")
+
+    def test_ormandi_as_form3_shows_with_scour(self):
+        _, rows = self.check_reach("Ormandi.xlsx", "secciones ", "2.5")
+        self.assertTrue(all(r["ysoc_m"] for r in rows), "Form3 with a grain size shows the scour of every section")
+
+    def test_bank_full_discharge_is_what_the_uniform_flow_screen_shows(self):
+        # Form5 shows the bank-full discharge of a section; type each record into it by hand.
+        records = sheet_rows(self.path("Rios.xlsx"), "Persecc")
+        out = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--formato", "json")
+        reach = json.loads(out)[0]
+        for s in reach["secciones"]:
+            r = records[s["registro"] - 1]
+            lines = ["pantalla Form5", "escribir Text62 %s" % text(r["SecId"])]
+            for j in range(1, 16):
+                lines += ["escribir Text%d %s" % (2 * j - 1, text(r["z%d" % j])),
+                          "escribir Text%d %s" % (2 * j, text(r["t%d" % j]))]
+            lines += ["escribir Text93 %s" % text(r["Rugosidad"]), "escribir Text94 %s" % text(r["Si"]),
+                      "escribir Text95 %s" % text(r["Caudal"]), "escribir Text96 %s" % text(r["Ancho Zi"]),
+                      "escribir Text97 %s" % text(r["Rugosidad Zi"]), "oprimir Command2", "mostrar"]
+            shown = self.guion(lines)[0]
+            self.assertEqual(s["q_lleno"], float(shown["Text101"]), "Q lleno, sección %d" % s["seccion"])
+            self.assertEqual(s["yn"], float(shown["Text99"]))
+
+    def test_bank_full_discharge_of_a_trapezoid_by_hand(self):
+        # Percanal record 1: a trapezoid of two levels, bed 50 m wide 3, top 52 m wide 9, n 0.015,
+        # S 0.0008. Filled to its top: A = 2 (3 + 1.5 * 2) = 12, P = 3 + 2 * 2 * sqrt(1 + 1.5^2).
+        a = 2 * (3 + 1.5 * 2)
+        p = 3 + 2 * 2 * math.sqrt(1 + 1.5 ** 2)
+        q = math.sqrt(0.0008) * a ** (5 / 3) / 0.015 / p ** (2 / 3)
+        out = json.loads(self.ok("perfil", "Rios.xlsx", "--hoja", "Percanal", "--y-inicial", "1.2", "--formato",
+                                 "json"))
+        first = out[0]["secciones"][0]
+        self.assertEqual(first["seccion"], 1)
+        self.assertAlmostEqual(first["q_lleno"], round(q, 2), places=6)
+        # Its normal depth for 12 m3/s, by bisection, shown to the centimetre (the screen's march
+        # reports one millimetre step above the depth that first carries the discharge).
+        yn = manning_depth(12, 3, 1.5, 0.015, 0.0008)
+        self.assertLessEqual(abs(first["yn"] - yn), 0.0075)
+
+    def test_several_workbooks_in_one_call(self):
+        for k in range(3):
+            shutil.copy(self.path("Rios.xlsx"), self.path("tramo-%d.xlsx" % k))
+        books = ["tramo-0.xlsx", "tramo-1.xlsx", "tramo-2.xlsx"]
+        out = json.loads(self.ok("perfil", *books, "--y-inicial", "1.8", "--formato", "json"))
+        self.assertEqual([r["libro"] for r in out], books)
+        self.assertEqual(out[0]["perfil"], out[2]["perfil"])
+        self.assertEqual(out[0]["secciones"], out[1]["secciones"])
+        # One that cannot be read does not stop the others, and the call says it failed.
+        r = self.run_cauce("perfil", "tramo-0.xlsx", "falta.xlsx", "tramo-1.xlsx", "--y-inicial", "1.8",
+                           "--formato", "json")
+        self.assertEqual(r.returncode, 1)
+        reaches = json.loads(r.stdout)
+        self.assertEqual(len(reaches), 3)
+        self.assertIn("No se encuentra el libro", reaches[1]["error"])
+        self.assertEqual(reaches[2]["perfil"], out[0]["perfil"])
+        self.assertIn("falta.xlsx", r.stderr)
+
+    def test_mixed_reaches_take_their_own_depth(self):
+        out = json.loads(self.ok("perfil", "Rios.xlsx", "Ormandi.xlsx", "--y-inicial", "1.8", "--y-final", "2.5",
+                                 "--formato", "json"))
+        self.assertEqual([(r["pantalla"], r["tirante"]["nombre"], r["tirante"]["valor"]) for r in out],
+                         [("Form2", "Y inicial", 1.8), ("Form3", "Y final", 2.5)])
+
+
+class FormatosTest(Scratch):
+    """CSV and JSON read by Python's own parsers; the text table for people."""
+
+    def test_csv_parses_with_one_row_per_section(self):
+        out = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--formato", "csv")
+        rows = list(csv.reader(io.StringIO(out)))
+        head = rows[0]
+        self.assertEqual(head[:5], ["libro", "hoja", "pantalla", "registro", "seccion"])
+        self.assertTrue(all(len(r) == len(head) for r in rows))
+        body = [dict(zip(head, r)) for r in rows[1:]]
+        self.assertEqual([int(r["seccion"]) for r in body], list(range(1, 13)))
+        for r in body:
+            for key in ("yn_m", "yc_m", "q_lleno_m3s", "abscisa_m", "z_agua_m", "v_media_ms"):
+                float(r[key])
+            self.assertIn(r["tipo"], ("M1", "M2", "S1", "S2"))
+
+    def test_a_section_without_discharge(self):
+        wb = openpyxl.load_workbook(self.path("Rios.xlsx"))
+        wb["Persecc"]["AI2"] = 0  # record 1, column "Caudal": no discharge, the screen computes nothing
+        self.assertEqual(wb["Persecc"]["AI1"].value, "Caudal")
+        wb.save(self.path("sin-caudal.xlsx"))
+        out = self.ok("perfil", "sin-caudal.xlsx", "--y-inicial", "1.8", "--formato", "csv")
+        rows = list(csv.DictReader(io.StringIO(out)))
+        self.assertEqual(rows[0]["yn_m"], "")
+        self.assertIn("Sin caudal", rows[0]["aviso"])
+
+    def test_json_parses_with_numbers_as_numbers(self):
+        out = json.loads(self.ok("perfil", "Ormandi.xlsx", "--y-final", "2.5", "--formato", "json"))
+        reach = out[0]
+        self.assertEqual((reach["hoja"], reach["pantalla"], reach["n_secciones"]), ("secciones ", "Form3", 10))
+        self.assertIsNone(reach["error"])
+        self.assertFalse(reach["guardado"])
+        for s in reach["secciones"]:
+            self.assertIsInstance(s["yn"], float)
+            self.assertIsInstance(s["desborda"], bool)
+        for p in reach["perfil"]:
+            self.assertIsInstance(p["z_agua"], float)
+            self.assertIsInstance(p["ysoc"], float)
+
+    def test_text_has_both_tables(self):
+        out = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8")
+        self.assertIn("Resultados por sección", out)
+        self.assertIn("Perfil de la superficie del agua", out)
+        self.assertIn("Y inicial: 1.8 m", out)
+
+
+class GuardarTest(Scratch):
+    """--guardar writes the table into the record of the last section, as the screen's binding does."""
+
+    def test_save_writes_the_table_of_the_last_record(self):
+        before = sheet_rows(self.path("Rios.xlsx"), "Persecc")
+        out = json.loads(self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--guardar", "--formato", "json"))
+        self.assertTrue(out[0]["guardado"])
+        after = sheet_rows(self.path("Rios.xlsx"), "Persecc")
+        last = max(range(len(before)), key=lambda k: before[k]["SecId"])
+        for p in out[0]["perfil"]:
+            j = p["seccion"]
+            self.assertEqual(after[last]["Tipo%d" % j], p["tipo"])
+            self.assertAlmostEqual(after[last]["Za%d" % j], p["z_agua"], places=9)
+        for k in range(len(before)):
+            if k != last:
+                self.assertEqual(before[k], after[k], "registro %d" % (k + 1))
+
+    def test_without_save_the_workbook_is_untouched(self):
+        with open(self.path("Rios.xlsx"), "rb") as f:
+            original = f.read()
+        self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8")
+        with open(self.path("Rios.xlsx"), "rb") as f:
+            self.assertEqual(f.read(), original)
+
+
+class UniformeTest(Scratch):
+    """cauce canal and cauce tubo show what Form1 shows, and the numbers stand against hand checks."""
+
+    def form1(self, layout, boxes, button):
+        lines = ["pantalla Form1", "oprimir " + layout]
+        lines += ["escribir %s %s" % (b, v) for b, v in boxes]
+        lines += ["oprimir " + button, "mostrar"]
+        return self.guion(lines)[0]
+
+    def results(self, out):
+        return {r["nombre"]: r["valores"] for r in json.loads(out)["resultados"]}
+
+    def test_channel_matches_the_screen(self):
+        cases = [  # options, boxes, button
+            (["--base", "2", "--talud", "1.5", "--rugosidad", "0.015", "--pendiente", "0.001", "--caudal", "5"],
+             [("Text1", "0.015"), ("Text2", "0.001"), ("Text3", "2"), ("Text4", "1.5"), ("Text8", "5")], "Command4"),
+            (["--base", "3", "--talud", "0", "--rugosidad", "0.013", "--pendiente", "0.002", "--tirante", "0.8"],
+             [("Text1", "0.013"), ("Text2", "0.002"), ("Text3", "3"), ("Text4", "0"), ("Text9", "0.8")], "Command5"),
+            (["--base", "2", "--talud", "1", "--rugosidad", "0.015", "--pendiente", "0.001", "--altura", "1",
+              "--ancho-zona", "20", "--rugosidad-zona", "0.035", "--caudal", "15"],
+             [("Text1", "0.015"), ("Text2", "0.001"), ("Text3", "2"), ("Text4", "1"), ("Text5", "1"),
+              ("Text6", "20"), ("Text7", "0.035"), ("Text8", "15")], "Command4"),
+        ]
+        for options, boxes, button in cases:
+            with self.subTest(options=options):
+                shown = self.form1("Command1", boxes, button)
+                out = json.loads(self.ok("canal", *options, "--formato", "json"))
+                values = {r["nombre"]: r["valores"] for r in out["resultados"]}
+                self.assertEqual(out["seccion"], shown["Command1"])
+                self.assertEqual(out["mensaje"] or "", shown["Label21"])
+                boxes_of = {"Caudal Q": "Text8", "Profundidad Yn": "Text9", "Ancho T": "Text10",
+                            "Velocidad Vn": "Text11", "Froude": "Text26", "Y critica Yc": "Text12",
+                            "V critica Vc": "Text13"}
+                for name, box in boxes_of.items():
+                    if shown[box] == "":
+                        self.assertNotIn(name, values)
+                    else:
+                        self.assertTrue(same(values[name][0], shown[box]), "%s: %r %r" % (name, values[name],
+                                                                                         shown[box]))
+
+    def test_normal_depth_against_a_bisection(self):
+        cases = [  # b, z, n, S, Q
+            (2, 0, 0.015, 0.001, 1),
+            (2, 1.5, 0.015, 0.001, 5),
+            (0, 2, 0.02, 0.005, 0.8),
+            (5, 0.5, 0.03, 0.0004, 12),
+        ]
+        for b, z, n, s, q in cases:
+            with self.subTest(b=b, z=z, q=q):
+                out = self.results(self.ok("canal", "--base", str(b), "--talud", str(z), "--rugosidad", str(n),
+                                           "--pendiente", str(s), "--caudal", str(q), "--formato", "json"))
+                yn = manning_depth(q, b, z, n, s)
+                # The fixed-point iteration stops within 0.0001 m; the screen shows two decimals.
+                self.assertLessEqual(abs(out["Profundidad Yn"][0] - yn), 0.0051 + 1e-4)
+                # Critical depth of a rectangle: (Q^2 / (g b^2))^(1/3).
+                if z == 0:
+                    yc = (q * q / (9.81 * b * b)) ** (1 / 3)
+                    self.assertLessEqual(abs(out["Y critica Yc"][0] - yc), 0.0051 + 1e-4)
+
+    def test_conduit_full_discharge_by_hand(self):
+        # Qlleno = sqrt(S) (D/4)^0.66667 (3.1416 D^2 / 4) / n, the screen's constants.
+        d, n, s = 0.9, 0.013, 0.002
+        qlleno = math.sqrt(s) * (d / 4) ** 0.66667 * (3.1416 * d * d / 4) / n
+        out = self.results(self.ok("tubo", "--diametro", str(d), "--rugosidad", str(n), "--pendiente", str(s),
+                                   "--caudal", "0.5", "--formato", "json"))
+        self.assertAlmostEqual(out["Q lleno"][0], round(qlleno, 3), places=9)
+        # Half full carries half the full discharge: the depth for Qlleno / 2 is D / 2.
+        half = self.results(self.ok("tubo", "--diametro", str(d), "--rugosidad", str(n), "--pendiente", str(s),
+                                    "--caudal", repr(qlleno / 2), "--formato", "json"))
+        self.assertEqual(half["Profundidad Yn"][0], round(d / 2, 2))
+        self.assertEqual(half["Yn/D"][0], 0.5)
+
+    def test_full_conduit_message(self):
+        out = json.loads(self.ok("tubo", "--diametro", "0.9", "--rugosidad", "0.013", "--pendiente", "0.002",
+                                 "--tirante", "0.9", "--formato", "json"))
+        self.assertEqual(out["mensaje"], "Tubo lleno")
+
+    def test_text_output_has_the_screens_captions(self):
+        out = self.ok("canal", "--base", "2", "--talud", "1", "--rugosidad", "0.015", "--pendiente", "0.001",
+                      "--altura", "1", "--ancho-zona", "20", "--rugosidad-zona", "0.035", "--caudal", "15")
+        for caption in ("Canal principal", "Planicie inundable", "Profundidad Yn", "Y critica Yc",
+                        "Mensaje: HAY DESBORDAMIENTO", "Yc > h"):
+            self.assertIn(caption, out)
+
+
+class CurvaTest(Scratch):
+    """cauce curva: the same numbers as single computations, rising with the discharge."""
+
+    def test_channel_curve_matches_single_computations(self):
+        channel = ["--base", "2", "--talud", "1.5", "--rugosidad", "0.015", "--pendiente", "0.001"]
+        out = self.ok("curva", *channel, "--desde", "0.5", "--hasta", "6", "--paso", "0.5", "--formato", "csv")
+        rows = list(csv.DictReader(io.StringIO(out)))
+        self.assertEqual([r["caudal_m3s"] for r in rows], [str(k * 0.5).rstrip("0").rstrip(".") for k in range(1, 13)])
+        depths = [float(r["yn_m"]) for r in rows]
+        self.assertEqual(depths, sorted(depths))
+        for r in rows[::4]:
+            single = self.results(self.ok("canal", *channel, "--caudal", r["caudal_m3s"], "--formato", "json"))
+            self.assertEqual(float(r["yn_m"]), single["Profundidad Yn"][0])
+            self.assertLessEqual(abs(float(r["yn_m"]) - manning_depth(float(r["caudal_m3s"]), 2, 1.5, 0.015, 0.001)),
+                                 0.0052)
+
+    results = UniformeTest.results
+
+    def test_record_curve_uses_the_section_of_the_record(self):
+        # At the record's own discharge the curve gives the depth "(Y?)" gives on the profile screen.
+        out = self.ok("curva", "Rios.xlsx", "--hoja", "Persecc", "--registro", "3", "--desde", "28", "--hasta", "48",
+                      "--paso", "10", "--formato", "csv")
+        rows = {r["caudal_m3s"]: r for r in csv.DictReader(io.StringIO(out))}
+        reach = json.loads(self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--formato", "json"))[0]
+        third = next(s for s in reach["secciones"] if s["registro"] == 3)
+        self.assertEqual(float(rows["38"]["yn_m"]), third["yn"])
+        self.assertEqual(float(rows["38"]["yc_m"]), third["yc"])
+
+    def test_conduit_above_maximum_is_told(self):
+        out = self.ok("curva", "--diametro", "0.9", "--rugosidad", "0.013", "--pendiente", "0.002", "--desde", "0.8",
+                      "--hasta", "1", "--paso", "0.1", "--formato", "csv")
+        rows = list(csv.DictReader(io.StringIO(out)))
+        self.assertEqual(rows[0]["aviso"], "")
+        self.assertEqual(rows[-1]["yn_m"], "")
+        self.assertIn("no puede ser mayor que Qm", rows[-1]["aviso"])
+
+    def test_png(self):
+        r = self.run_cauce("curva", "--base", "2", "--talud", "1.5", "--rugosidad", "0.015", "--pendiente", "0.001",
+                           "--desde", "1", "--hasta", "10", "--paso", "1", "--png", "curva.png")
+        if not WITH_GUI:
+            self.assertEqual(r.returncode, 2)
+            self.assertIn("sin la aplicación de escritorio", r.stderr)
+            self.assertFalse(os.path.exists(self.path("curva.png")))
+            return
+        self.assertEqual(r.returncode, 0, r.stderr)
+        with open(self.path("curva.png"), "rb") as f:
+            head = f.read(24)
+        self.assertEqual(head[:8], b"\x89PNG\r\n\x1a\n")
+        self.assertEqual(struct.unpack(">II", head[16:24]), (1000, 680))
+        self.assertEqual([f for f in os.listdir(self.dir) if f.endswith(".tmp")], [])
+
+
+class InformeTest(Scratch):
+    """cauce informe writes a PDF that opens and whose text reads back in Spanish, with the numbers."""
+
+    def test_report_reads_back(self):
+        r = self.run_cauce("informe", "Rios.xlsx", "--y-inicial", "1.8", "-o", "informe.pdf")
+        if not WITH_GUI:
+            self.assertEqual(r.returncode, 2)
+            self.assertIn("sin la aplicación de escritorio", r.stderr)
+            return
+        self.assertEqual(r.returncode, 0, r.stderr)
+        info = subprocess.run(["pdfinfo", self.path("informe.pdf")], capture_output=True, text=True)
+        self.assertEqual(info.returncode, 0, info.stderr)
+        pages = int(next(l for l in info.stdout.splitlines() if l.startswith("Pages:")).split()[1])
+        self.assertGreaterEqual(pages, 3)
+        pdf = subprocess.run(["pdftotext", "-layout", self.path("informe.pdf"), "-"], capture_output=True,
+                             text=True).stdout
+        for heading in ("Informe de cálculo hidráulico", "Datos de entrada", "Resultados por sección",
+                        "Perfil de la superficie del agua", "Perfil longitudinal", "Secciones transversales",
+                        "Sección 12 (registro 12)", "Y inicial en la sección 12: 1.8 m"):
+            self.assertIn(heading, pdf)
+        reach = json.loads(self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--formato", "json"))[0]
+        lines = pdf.splitlines()
+        for p in reach["perfil"]:
+            # The table row: section, chainage, type, elevation and velocity as the screen shows them.
+            cells = [str(p["seccion"]), "%.2f" % p["abscisa"], p["tipo"], "%.2f" % p["z_agua"], "%.2f" % p["v_media"]]
+            self.assertTrue(any(l.split() == cells for l in lines), "fila del perfil %s" % cells)
+        for s in reach["secciones"]:
+            self.assertRegex(pdf, r"Yn %.2f m\s+Yc %.2f m" % (s["yn"], s["yc"]))
+
+    def test_scour_report(self):
+        if not WITH_GUI:
+            self.skipTest("sin la aplicación de escritorio")
+        self.ok("informe", "Ormandi.xlsx", "--y-final", "2.5", "-o", "rio.pdf")
+        pdf = subprocess.run(["pdftotext", self.path("rio.pdf"), "-"], capture_output=True, text=True).stdout
+        self.assertIn("Ysoc m", pdf)
+        self.assertIn("Y final en la sección 10: 2.5 m", pdf)
+
+    def test_nothing_is_left_when_it_cannot_be_written(self):
+        if not WITH_GUI:
+            self.skipTest("sin la aplicación de escritorio")
+        r = self.run_cauce("informe", "Rios.xlsx", "--y-inicial", "1.8", "-o", "no-hay/informe.pdf")
+        self.assertEqual(r.returncode, 1)
+        self.assertIn("no existe la carpeta", r.stderr)
+        r = self.run_cauce("informe", "falta.xlsx", "--y-inicial", "1.8", "-o", "informe.pdf")
+        self.assertEqual(r.returncode, 1)
+        self.assertFalse(os.path.exists(self.path("informe.pdf")))
+        self.assertEqual([f for f in os.listdir(self.dir) if f.endswith(".tmp")], [])
+
+
+class ErroresTest(Scratch):
+    """Bad options and bad data: a Spanish message and a non-zero exit status, nothing half done."""
+
+    def bad_book(self, name, change):
+        wb = openpyxl.load_workbook(self.path("Rios.xlsx"))
+        change(wb["Persecc"])
+        wb.save(self.path(name))
+
+    def test_bad_command_lines(self):
+        channel = ["--base", "2", "--talud", "1", "--rugosidad", "0.015", "--pendiente", "0.001"]
+        cases = [  # arguments, exit status, part of the message
+            (["perfil"], 2, "Falta LIBRO"),
+            (["perfil", "Rios.xlsx"], 2, "falta el tirante"),
+            (["perfil", "Rios.xlsx", "--y-inicial", "1,8"], 2, "el separador decimal es el punto"),
+            (["perfil", "Rios.xlsx", "--y-inicial", "-1"], 2, "mayor que cero"),
+            (["perfil", "Rios.xlsx", "--y-inicial"], 2, "le falta su valor"),
+            (["perfil", "Rios.xlsx", "--y-inicial", "1", "--formato", "xml"], 2, "formato desconocido"),
+            (["perfil", "Rios.xlsx", "--y-inicial", "1", "--hoja", "Hoja1"], 2, "no es una hoja de perfiles"),
+            (["perfil", "Rios.xlsx", "--y-inicial", "1", "--color"], 2, "Argumento no reconocido: --color"),
+            (["perfil", "falta.xlsx", "--y-inicial", "1"], 1, "No se encuentra el libro"),
+            (["perfil", "Ormandi.xlsx", "--y-inicial", "1"], 1, "necesita --y-final"),
+            (["canal", *channel], 2, "dé --caudal"),
+            (["canal", *channel, "--caudal", "1", "--tirante", "1"], 2, "uno de los dos"),
+            (["canal", *channel, "--caudal", "0"], 2, "mayor que cero"),
+            (["canal", "--base", "dos", "--caudal", "1"], 2, "--base: \"dos\" no es un número"),
+            (["canal", "--base", "-2", "--caudal", "1"], 2, "no puede ser negativo"),
+            (["canal", "--base", "2", "--talud", "1", "--pendiente", "0.001", "--caudal", "1"], 1, "Falta la Rugosidad"),
+            (["canal", "--base", "2", "--talud", "1", "--rugosidad", "0.015", "--caudal", "1"], 1,
+             "No hay pendiente. No hay Yn"),
+            (["canal", "--base", "0", "--talud", "0", "--rugosidad", "0.015", "--pendiente", "0.001", "--caudal", "1"],
+             1, "Por favor defina los valores de la Sección Transversal."),
+            (["canal", *channel, "--altura", "0.5", "--caudal", "10"], 1, "Ancho de zona inundable y Rugosidad"),
+            (["tubo", "--diametro", "0.9", "--rugosidad", "0.013", "--pendiente", "0.002", "--tirante", "1"], 1,
+             "Yn debe ser menor que el diámetro"),
+            (["tubo", "--rugosidad", "0.013", "--pendiente", "0.002", "--caudal", "1"], 1, "Falta el diámetro"),
+            (["curva", "--desde", "1", "--hasta", "2", "--paso", "1"], 2, "diga de qué sección"),
+            (["curva", *channel, "--desde", "5", "--hasta", "1", "--paso", "1"], 2, "es menor que --desde"),
+            (["curva", *channel, "--desde", "1", "--hasta", "2", "--paso", "0"], 2, "mayor que cero"),
+            (["curva", *channel, "--desde", "1", "--hasta", "1000", "--paso", "0.001"], 2, "el máximo es"),
+            (["curva", *channel, "--diametro", "1", "--desde", "1", "--hasta", "2", "--paso", "1"], 2, "elija canal o"),
+            (["curva", "Rios.xlsx", "--desde", "1", "--hasta", "2", "--paso", "1"], 2, "falta --registro"),
+            (["curva", "Rios.xlsx", "--registro", "99", "--desde", "1", "--hasta", "2", "--paso", "1"], 1,
+             "El registro 99 no existe"),
+            (["informe", "Rios.xlsx", "--y-inicial", "1.8"], 2, "falta -o"),
+            (["bailar"], 2, "cauce --help"),
+        ]
+        for args, status, message in cases:
+            with self.subTest(args=args):
+                r = self.run_cauce(*args)
+                self.assertEqual(r.returncode, status, r.stdout + r.stderr)
+                self.assertIn(message, r.stderr)
+                self.assertNotIn("Traceback", r.stderr)
+                self.assertNotIn(" is required", r.stderr)  # nothing left in English
+
+    def test_every_command_has_spanish_help_with_an_example(self):
+        for command in ("perfil", "canal", "tubo", "curva", "informe"):
+            with self.subTest(command=command):
+                out = self.ok(command, "--help")
+                self.assertIn("Uso: cauce " + command, out)
+                self.assertIn("Opciones:", out)
+                self.assertIn("Ejemplo", out)
+                self.assertIn("  cauce " + command + " ", out)
+                self.assertNotIn("Options", out)
+        self.assertIn("Órdenes:", self.ok("--help"))
+
+    def test_section_table_errors_are_reported(self):
+        # Record 2 with an elevation that does not rise: the screen says so and the call fails.
+        self.bad_book("cotas.xlsx", lambda ws: ws.cell(row=3, column=5, value=119.0))
+        r = self.run_cauce("perfil", "cotas.xlsx", "--y-inicial", "1.8", "--formato", "json")
+        self.assertEqual(r.returncode, 1)
+        second = json.loads(r.stdout)[0]["secciones"][1]
+        self.assertEqual(second["aviso"], "Revise las cotas Zi. Hay un error")
+        self.assertIn("registro 2 (sección 2): Revise las cotas Zi. Hay un error", r.stderr)
+        # The records after it are not blamed for it.
+        self.assertIsNone(json.loads(r.stdout)[0]["secciones"][2]["aviso"])
+
+    def test_a_reach_without_its_last_section(self):
+        self.bad_book("sin-ultima.xlsx", lambda ws: ws.delete_rows(13))  # the record of section 12
+        r = self.run_cauce("perfil", "sin-ultima.xlsx", "--y-inicial", "1.8")
+        self.assertEqual(r.returncode, 1)
+        self.assertIn("Ningún registro tiene el número de sección igual al número de secciones", r.stderr)
+
+    def test_a_fault_in_a_section_is_told_and_the_run_goes_on(self):
+        # Record 3 numbered 60 in a reach of 70: beyond the screen's arrays (0..50), its click faults;
+        # the other sections are still computed, and the profile, missing a section, cannot be.
+        def renumber(ws):
+            ws.cell(row=4, column=1, value=60)
+            ws.cell(row=4, column=2, value=70)
+        self.bad_book("indice.xlsx", renumber)
+        r = self.run_cauce("perfil", "indice.xlsx", "--y-inicial", "1.8", "--formato", "json")
+        self.assertEqual(r.returncode, 1)
+        reach = json.loads(r.stdout)[0]
+        third = reach["secciones"][2]
+        self.assertEqual((third["registro"], third["seccion"], third["yn"]), (3, 60, None))
+        self.assertIn("60 no está entre 0 y 50", third["error"])
+        self.assertEqual([s["registro"] for s in reach["secciones"] if s["yn"] is not None],
+                         [1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12])
+        self.assertIn("El cálculo del perfil se detuvo", reach["error"])
+        self.assertIn("registro 3 (sección 60)", r.stderr)
+
+    def test_a_section_beyond_the_last_is_left_out(self):
+        self.bad_book("fuera.xlsx", lambda ws: ws.cell(row=4, column=1, value=60))
+        r = self.run_cauce("perfil", "fuera.xlsx", "--y-inicial", "1.8", "--formato", "json")
+        reach = json.loads(r.stdout)[0]
+        self.assertEqual(reach["avisos"], ["El registro 3 (sección 60) no se calcula: el tramo termina en la "
+                                           "sección 12, que activa \"Perfiles\"."])
+        self.assertEqual(reach["secciones"][-1]["registro"], 12)
+
+
+class ProgresoTest(Scratch):
+    """Progress goes to standard error only when it is a terminal."""
+
+    def run_with_terminal(self, *args):
+        master, slave = pty.openpty()
+        proc = subprocess.Popen([CAUCE, *args], cwd=self.dir, env=self.env, stdout=subprocess.PIPE, stderr=slave)
+        os.close(slave)
+        seen = b""
+        while True:
+            ready, _, _ = select.select([master], [], [], 60)
+            if not ready:
+                break
+            try:
+                chunk = os.read(master, 4096)
+            except OSError:
+                break
+            if not chunk:
+                break
+            seen += chunk
+        out, _ = proc.communicate(timeout=60)
+        os.close(master)
+        return proc.returncode, out.decode(), seen.decode(errors="replace")
+
+    def test_progress_on_a_terminal_only(self):
+        shutil.copy(self.path("Rios.xlsx"), self.path("otro.xlsx"))
+        status, out, err = self.run_with_terminal("perfil", "Rios.xlsx", "otro.xlsx", "--y-inicial", "1.8",
+                                                  "--formato", "csv")
+        self.assertEqual(status, 0)
+        self.assertIn("perfil: 1/2", err)
+        self.assertNotIn("\x1b", out)
+        self.assertEqual(len(list(csv.DictReader(io.StringIO(out)))), 24)
+        r = self.run_cauce("perfil", "Rios.xlsx", "otro.xlsx", "--y-inicial", "1.8", "--formato", "csv")
+        self.assertEqual(r.stderr, "")
+
+
+if __name__ == "__main__":
+    unittest.main()
