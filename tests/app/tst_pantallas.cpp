@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QToolButton>
 #include <QtTest>
+#include <clocale>
 
 #include "app/desktop.hpp"
 #include "app/dialogs.hpp"
@@ -72,7 +73,12 @@ Shown Show(const char* name, app::Prompter& prompter, QSize size = {1000, 720}) 
 class Pantallas : public QObject {
     Q_OBJECT
   private slots:
-    void initTestCase() { app::LoadSpanishTranslation(); }
+    void initTestCase() {
+        app::LoadSpanishTranslation();
+        // Run under a Spanish locale, the C library must really write a decimal comma by now.
+        if (qgetenv("LC_ALL").startsWith("es_ES"))
+            QCOMPARE(QByteArray(std::localeconv()->decimal_point), QByteArray(","));
+    }
 
     void everyScreenShowsItsModel_data() {
         QTest::addColumn<QString>("screen");
