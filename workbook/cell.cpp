@@ -30,11 +30,16 @@ std::optional<double> NumberFromText(std::string_view s) {
 
 std::string DisplayText(const Cell& c) {
     switch (c.kind) {
-        case CellKind::Empty: return "";
-        case CellKind::Number: return NumberText(c.number);
-        case CellKind::Text: return c.text;
-        case CellKind::Boolean: return c.number != 0 ? "VERDADERO" : "FALSO";
-        case CellKind::Error: return c.text;
+        case CellKind::Empty:
+            return "";
+        case CellKind::Number:
+            return NumberText(c.number);
+        case CellKind::Text:
+            return c.text;
+        case CellKind::Boolean:
+            return c.number != 0 ? "VERDADERO" : "FALSO";
+        case CellKind::Error:
+            return c.text;
     }
     return "";
 }

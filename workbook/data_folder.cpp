@@ -19,7 +19,8 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string Lower(std::string s) {
-    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(s.begin(), s.end(), s.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     std::replace(s.begin(), s.end(), '/', '\\');
     return s;
 }
@@ -46,7 +47,8 @@ fs::path EnsureFolder() {
     std::error_code ec;
     fs::create_directories(folder, ec);
     if (ec || !fs::is_directory(folder))
-        raise("No se puede crear la carpeta de datos \"" + folder.string() + "\": " + SystemReason(ec.value()) + ".");
+        raise("No se puede crear la carpeta de datos \"" + folder.string() +
+              "\": " + SystemReason(ec.value()) + ".");
     return folder;
 }
 
@@ -55,7 +57,8 @@ bool CopyNew(const fs::path& target, const BundledFile& f) {
     const int fd = ::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0644);
     if (fd < 0) {
         if (errno == EEXIST) return false;
-        raise("No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + SystemReason(errno) + ".");
+        raise("No se puede copiar el libro de ejemplo en \"" + target.string() +
+              "\": " + SystemReason(errno) + ".");
     }
     std::size_t done = 0;
     while (done < f.size) {
@@ -65,7 +68,8 @@ bool CopyNew(const fs::path& target, const BundledFile& f) {
             const int err = errno;
             ::close(fd);
             ::unlink(target.c_str());  // ours, and incomplete
-            raise("No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + SystemReason(err) + ".");
+            raise("No se puede copiar el libro de ejemplo en \"" + target.string() +
+                  "\": " + SystemReason(err) + ".");
         }
         done += static_cast<std::size_t>(n);
     }
@@ -90,7 +94,8 @@ std::vector<fs::path> InstallExamples() {
         const BundledFile& f = kBundled[i];
         const std::string stem = fs::path(f.name).stem().string();
         // A user's own .xls of that name counts: the example must not hide it.
-        if (!FindNoCase(folder, stem + ".xlsx").empty() || !FindNoCase(folder, stem + ".xls").empty()) continue;
+        if (!FindNoCase(folder, stem + ".xlsx").empty() || !FindNoCase(folder, stem + ".xls").empty())
+            continue;
         if (CopyNew(folder / f.name, f)) copied.push_back(folder / f.name);
     }
     return copied;

@@ -9,7 +9,9 @@ namespace cauce::workbook {
 
 namespace {
 
-bool NameChar(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '$' || c == '.' || c == '\\'; }
+bool NameChar(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '$' || c == '.' || c == '\\';
+}
 
 // "$AB$12", "AB12", "$AB", "12": the parts of one token, when it is a reference.
 struct Part {

@@ -5,6 +5,8 @@
 
 namespace cauce::workbook {
 
-void Install() { forms::SetSourceOpener(&OpenRecords); }
+void Install() {
+    forms::SetSourceOpener(&OpenRecords);
+}
 
 }  // namespace cauce::workbook

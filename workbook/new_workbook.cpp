@@ -13,7 +13,8 @@ namespace {
 constexpr const char* kMain = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 constexpr const char* kRelNs = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
 constexpr const char* kPkgRels = "http://schemas.openxmlformats.org/package/2006/relationships";
-constexpr const char* kSheetType = "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml";
+constexpr const char* kSheetType =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml";
 
 std::string Text(pugi::xml_document& doc) {
     auto decl = doc.prepend_child(pugi::node_declaration);
@@ -40,7 +41,9 @@ std::string SheetXml(const SheetValues& s) {
         auto c = row.append_child("c");
         c.append_attribute("r") = RefName(key.first, key.second).c_str();
         switch (cell.kind) {
-            case CellKind::Number: c.append_child("v").text().set(NumberText(cell.number).c_str()); break;
+            case CellKind::Number:
+                c.append_child("v").text().set(NumberText(cell.number).c_str());
+                break;
             case CellKind::Text: {
                 c.append_attribute("t") = "inlineStr";
                 auto t = c.append_child("is").append_child("t");
@@ -56,7 +59,8 @@ std::string SheetXml(const SheetValues& s) {
                 c.append_attribute("t") = "e";
                 c.append_child("v").text().set(cell.text.c_str());
                 break;
-            case CellKind::Empty: break;
+            case CellKind::Empty:
+                break;
         }
     }
     return Text(doc);
@@ -88,7 +92,8 @@ std::string NewWorkbookBytes(const std::vector<SheetValues>& sheets, const std::
     r.append_attribute("xmlns") = kPkgRels;
     auto rel = r.append_child("Relationship");
     rel.append_attribute("Id") = "rId1";
-    rel.append_attribute("Type") = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
+    rel.append_attribute("Type") =
+        "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
     rel.append_attribute("Target") = "xl/workbook.xml";
 
     auto b = book.append_child("workbook");
@@ -109,7 +114,8 @@ std::string NewWorkbookBytes(const std::vector<SheetValues>& sheets, const std::
         s.append_attribute("r:id") = ("rId" + n).c_str();
         auto x = br.append_child("Relationship");
         x.append_attribute("Id") = ("rId" + n).c_str();
-        x.append_attribute("Type") = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet";
+        x.append_attribute("Type") =
+            "http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet";
         x.append_attribute("Target") = ("worksheets/sheet" + n + ".xml").c_str();
         parts.emplace_back(part, SheetXml(sheets[i]));
     }
@@ -125,16 +131,16 @@ std::string NewWorkbookBytes(const std::vector<SheetValues>& sheets, const std::
         "<fills count=\"2\"><fill><patternFill patternType=\"none\"/></fill>"
         "<fill><patternFill patternType=\"gray125\"/></fill></fills>"
         "<borders count=\"1\"><border><left/><right/><top/><bottom/><diagonal/></border></borders>"
-        "<cellStyleXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\"/></cellStyleXfs>"
-        "<cellXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\" xfId=\"0\"/></cellXfs>"
+        "<cellStyleXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" "
+        "borderId=\"0\"/></cellStyleXfs>"
+        "<cellXfs count=\"1\"><xf numFmtId=\"0\" fontId=\"0\" fillId=\"0\" borderId=\"0\" "
+        "xfId=\"0\"/></cellXfs>"
         "<cellStyles count=\"1\"><cellStyle name=\"Normal\" xfId=\"0\" builtinId=\"0\"/></cellStyles>"
         "</styleSheet>");
 
     std::vector<std::pair<std::string, std::string>> all = {
-        {"[Content_Types].xml", Text(types)},
-        {"_rels/.rels", Text(rels)},
-        {"xl/workbook.xml", Text(book)},
-        {"xl/_rels/workbook.xml.rels", Text(book_rels)},
+        {"[Content_Types].xml", Text(types)}, {"_rels/.rels", Text(rels)},
+        {"xl/workbook.xml", Text(book)},      {"xl/_rels/workbook.xml.rels", Text(book_rels)},
         {"xl/styles.xml", Text(styles)},
     };
     all.insert(all.end(), parts.begin(), parts.end());

@@ -19,34 +19,52 @@ std::string Damaged(const std::string& file, const std::string& why) {
 // What a libzip error means to the user.
 std::string ZipReason(int code) {
     switch (code) {
-        case ZIP_ER_NOZIP: return "no es un archivo zip completo (¿está truncado?)";
-        case ZIP_ER_INCONS: return "el archivo zip es incoherente (¿está truncado o dañado?)";
-        case ZIP_ER_EOF: return "el archivo termina antes de tiempo (está truncado)";
-        case ZIP_ER_CRC: return "los datos de una parte no pasan la verificación CRC";
+        case ZIP_ER_NOZIP:
+            return "no es un archivo zip completo (¿está truncado?)";
+        case ZIP_ER_INCONS:
+            return "el archivo zip es incoherente (¿está truncado o dañado?)";
+        case ZIP_ER_EOF:
+            return "el archivo termina antes de tiempo (está truncado)";
+        case ZIP_ER_CRC:
+            return "los datos de una parte no pasan la verificación CRC";
         case ZIP_ER_ZLIB:
-        case ZIP_ER_COMPRESSED_DATA: return "los datos comprimidos de una parte están dañados";
-        case ZIP_ER_COMPNOTSUPP: return "una parte usa un método de compresión que Cauce no conoce";
+        case ZIP_ER_COMPRESSED_DATA:
+            return "los datos comprimidos de una parte están dañados";
+        case ZIP_ER_COMPNOTSUPP:
+            return "una parte usa un método de compresión que Cauce no conoce";
         case ZIP_ER_ENCRNOTSUPP:
         case ZIP_ER_NOPASSWD:
-        case ZIP_ER_WRONGPASSWD: return "tiene partes cifradas";
-        case ZIP_ER_MULTIDISK: return "es un zip de varios volúmenes";
-        case ZIP_ER_MEMORY: return "no hay memoria suficiente para leerlo";
-        default: {
-            zip_error_t e;
-            zip_error_init_with_code(&e, code);
-            std::string s = zip_error_strerror(&e);
-            zip_error_fini(&e);
-            return "error del archivo zip (" + s + ")";
-        }
+        case ZIP_ER_WRONGPASSWD:
+            return "tiene partes cifradas";
+        case ZIP_ER_MULTIDISK:
+            return "es un zip de varios volúmenes";
+        case ZIP_ER_MEMORY:
+            return "no hay memoria suficiente para leerlo";
+        case ZIP_ER_SEEK:
+        case ZIP_ER_READ:
+        case ZIP_ER_TELL:
+            return "no se puede leer una parte del archivo zip";
+        case ZIP_ER_INVAL:
+            return "una parte del archivo zip es incoherente (¿está dañado?)";
+        case ZIP_ER_NOENT:
+            return "falta una parte que el índice del archivo zip nombra";
+        case ZIP_ER_INTERNAL:
+            return "el archivo zip no se pudo interpretar";
+        default:
+            // libzip's own words are English: only the number is kept.
+            return "error del archivo zip número " + std::to_string(code);
     }
 }
 
 std::string Lower(std::string s) {
-    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(s.begin(), s.end(), s.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return s;
 }
 
-std::string MiB(std::uint64_t bytes) { return std::to_string(bytes >> 20) + " MB"; }
+std::string MiB(std::uint64_t bytes) {
+    return std::to_string(bytes >> 20) + " MB";
+}
 
 }  // namespace
 
@@ -57,7 +75,8 @@ struct Package::Zip {
     }
 };
 
-Package::Package(std::string bytes, std::string file) : bytes_(std::move(bytes)), file_(std::move(file)), zip_(new Zip) {
+Package::Package(std::string bytes, std::string file)
+    : bytes_(std::move(bytes)), file_(std::move(file)), zip_(new Zip) {
     zip_error_t err;
     zip_error_init(&err);
     zip_source_t* src = zip_source_buffer_create(bytes_.data(), bytes_.size(), 0, &err);
@@ -79,6 +98,20 @@ Package::Package(std::string bytes, std::string file) : bytes_(std::move(bytes))
         const char* name = zip_get_name(zip_->za, static_cast<zip_uint64_t>(i), 0);
         if (!name) raise(Damaged(file_, "una parte no tiene nombre"));
         names_.emplace_back(name);
+        // Parts Cauce never reads are copied as they are when saving, which needs their headers
+        // whole: a workbook that could not be saved is refused now, before any work is done on it.
+        // The local header is only looked at when the first byte is read.
+        zip_file_t* f = zip_fopen_index(zip_->za, static_cast<zip_uint64_t>(i), ZIP_FL_COMPRESSED);
+        if (!f)
+            raise(Damaged(file_,
+                          ZipReason(zip_error_code_zip(zip_get_error(zip_->za))) + " (parte " + name + ")"));
+        char first;
+        if (zip_fread(f, &first, 1) < 0) {
+            const int code = zip_error_code_zip(zip_file_get_error(f));
+            zip_fclose(f);
+            raise(Damaged(file_, ZipReason(code) + " (parte " + name + ")"));
+        }
+        zip_fclose(f);
     }
 }
 
@@ -127,8 +160,8 @@ std::string Package::Read(const std::string& name) {
     if (closed != 0) raise(Damaged(file_, ZipReason(closed) + " (parte " + stored + ")"));
     expanded_ += out.size();
     if (expanded_ > kMaxTotalBytes)
-        raise("El libro \"" + file_ + "\" se rechaza: sus partes se expanden a más de " + MiB(kMaxTotalBytes) +
-              " (parece una bomba zip). El archivo no se modificó.");
+        raise("El libro \"" + file_ + "\" se rechaza: sus partes se expanden a más de " +
+              MiB(kMaxTotalBytes) + " (parece una bomba zip). El archivo no se modificó.");
     return out;
 }
 
@@ -137,7 +170,9 @@ namespace {
 // Writes an archive into memory through libzip; add() is called with the open archive.
 template <typename AddParts>
 std::string WriteArchive(const std::string& file, AddParts add) {
-    auto fail = [&](const std::string& why) { raise("No se pudo preparar el libro \"" + file + "\": " + why + "."); };
+    auto fail = [&](const std::string& why) {
+        raise("No se pudo preparar el libro \"" + file + "\": " + why + ".");
+    };
     zip_error_t err;
     zip_error_init(&err);
     zip_source_t* out_src = zip_source_buffer_create(nullptr, 0, 0, &err);
@@ -157,7 +192,7 @@ std::string WriteArchive(const std::string& file, AddParts add) {
         throw;
     }
     if (zip_close(out) != 0) {
-        const std::string why = zip_error_strerror(zip_get_error(out));
+        const std::string why = ZipReason(zip_error_code_zip(zip_get_error(out)));
         zip_discard(out);
         zip_source_free(out_src);
         fail(why);
@@ -182,7 +217,8 @@ void AddBuffer(zip_t* out, const std::string& name, const std::string& data, con
     const zip_int64_t idx = s ? zip_file_add(out, name.c_str(), s, ZIP_FL_ENC_UTF_8) : -1;
     if (idx < 0) {
         if (s) zip_source_free(s);
-        raise("No se pudo preparar el libro \"" + file + "\": " + zip_error_strerror(zip_get_error(out)) + ".");
+        raise("No se pudo preparar el libro \"" + file +
+              "\": " + ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
     }
     zip_set_file_compression(out, static_cast<zip_uint64_t>(idx), ZIP_CM_DEFLATE, 0);
 }
@@ -209,20 +245,23 @@ std::string Package::Write(const std::map<std::string, std::string>& replaced,
             const zip_int64_t idx = s ? zip_file_add(out, name.c_str(), s, 0) : -1;
             if (idx < 0) {
                 if (s) zip_source_free(s);
-                raise("No se pudo preparar el libro \"" + file_ + "\": " + zip_error_strerror(zip_get_error(out)) +
-                      ".");
+                raise("No se pudo preparar el libro \"" + file_ +
+                      "\": " + ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
             }
-            if (st.valid & ZIP_STAT_MTIME) zip_file_set_mtime(out, static_cast<zip_uint64_t>(idx), st.mtime, 0);
+            if (st.valid & ZIP_STAT_MTIME)
+                zip_file_set_mtime(out, static_cast<zip_uint64_t>(idx), st.mtime, 0);
         }
         for (const auto& [name, data] : replaced)
             if (!done.count(name)) AddBuffer(out, name, data, file_);
         int length = 0;
-        if (const char* comment = zip_get_archive_comment(zip_->za, &length, ZIP_FL_ENC_RAW); comment && length > 0)
+        if (const char* comment = zip_get_archive_comment(zip_->za, &length, ZIP_FL_ENC_RAW);
+            comment && length > 0)
             zip_set_archive_comment(out, comment, static_cast<zip_uint16_t>(length));
     });
 }
 
-std::string NewPackage(const std::vector<std::pair<std::string, std::string>>& parts, const std::string& file) {
+std::string NewPackage(const std::vector<std::pair<std::string, std::string>>& parts,
+                       const std::string& file) {
     return WriteArchive(file, [&](zip_t* out) {
         for (const auto& [name, data] : parts) AddBuffer(out, name, data, file);
     });

@@ -12,7 +12,7 @@
 namespace cauce::workbook {
 
 class Package {
-public:
+  public:
     // Opens the zip held in bytes; file names the workbook in messages. Throws Fault.
     Package(std::string bytes, std::string file);
     ~Package();
@@ -30,9 +30,10 @@ public:
 
     // A new package: the parts in replaced take their new contents (added at the end when new),
     // the parts in removed are left out, all others are copied compressed. Throws Fault.
-    std::string Write(const std::map<std::string, std::string>& replaced, const std::set<std::string>& removed) const;
+    std::string Write(const std::map<std::string, std::string>& replaced,
+                      const std::set<std::string>& removed) const;
 
-private:
+  private:
     std::string bytes_, file_;
     std::vector<std::string> names_;
     struct Zip;
@@ -41,6 +42,7 @@ private:
 };
 
 // Builds a package from scratch with the parts in this order (deflated).
-std::string NewPackage(const std::vector<std::pair<std::string, std::string>>& parts, const std::string& file);
+std::string NewPackage(const std::vector<std::pair<std::string, std::string>>& parts,
+                       const std::string& file);
 
 }  // namespace cauce::workbook

@@ -11,8 +11,10 @@ SheetRecords::SheetRecords(std::unique_ptr<Workbook> book, std::string sheet)
     if (!sh) {
         std::string names;
         for (const auto& n : book_->SheetNames()) names += (names.empty() ? "\"" : ", \"") + n + "\"";
-        raise("El libro \"" + book_->Path() + "\" no tiene la hoja \"" + sheet_ + "\"" +
-              (names.empty() ? std::string(" (no tiene hojas con celdas)") : " (sus hojas son " + names + ")") + ".");
+        raise(
+            "El libro \"" + book_->Path() + "\" no tiene la hoja \"" + sheet_ + "\"" +
+            (names.empty() ? std::string(" (no tiene hojas con celdas)") : " (sus hojas son " + names + ")") +
+            ".");
     }
     const auto& values = sh->Values();
     if (values.empty())
@@ -34,7 +36,8 @@ Sheet& SheetRecords::TheSheet() const {
 std::pair<int, int> SheetRecords::Place(int record, const std::string& column) const {
     const auto it = columns_.find(column);
     if (it == columns_.end())
-        raise("La hoja \"" + sheet_ + "\" del libro \"" + book_->Path() + "\" no tiene la columna \"" + column + "\".");
+        raise("La hoja \"" + sheet_ + "\" del libro \"" + book_->Path() + "\" no tiene la columna \"" +
+              column + "\".");
     if (record < 1 || record > count_)
         raise("El registro " + std::to_string(record) + " no existe: la hoja \"" + sheet_ + "\" tiene " +
               std::to_string(count_) + " registros.");

@@ -12,7 +12,7 @@
 namespace cauce::workbook {
 
 class SheetRecords : public forms::RecordSource {
-public:
+  public:
     // Throws Fault when the sheet is missing or has no header row.
     SheetRecords(std::unique_ptr<Workbook> book, std::string sheet);
 
@@ -27,7 +27,7 @@ public:
 
     Workbook& Book() { return *book_; }
 
-private:
+  private:
     Sheet& TheSheet() const;
     std::pair<int, int> Place(int record, const std::string& column) const;
 

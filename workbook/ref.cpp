@@ -10,7 +10,9 @@ std::string ColumnName(int col) {
     return s;
 }
 
-std::string RefName(int row, int col) { return ColumnName(col) + std::to_string(row); }
+std::string RefName(int row, int col) {
+    return ColumnName(col) + std::to_string(row);
+}
 
 int ParseColumn(std::string_view s) {
     int col = 0;

@@ -28,21 +28,31 @@ bool MarkedWritable(const struct stat& st, const fs::path& p) {
 
 }  // namespace
 
-void SetBeforeRenameHook(std::function<void(const fs::path&)> hook) { Hook() = std::move(hook); }
+void SetBeforeRenameHook(std::function<void(const fs::path&)> hook) {
+    Hook() = std::move(hook);
+}
 
 std::string SystemReason(int err) {
     switch (err) {
         case ENOSPC:
         case EDQUOT:
-        case EFBIG: return "no hay espacio en el disco";
+        case EFBIG:
+            return "no hay espacio en el disco";
         case EACCES:
-        case EPERM: return "no hay permiso de escritura";
-        case EROFS: return "el disco es de solo lectura";
-        case ENOENT: return "la carpeta no existe";
-        case ENOTDIR: return "la ruta no es una carpeta";
-        case EIO: return "error de entrada y salida del disco";
-        case ENAMETOOLONG: return "el nombre es demasiado largo";
-        default: return std::string("error del sistema ") + std::to_string(err) + " (" + std::strerror(err) + ")";
+        case EPERM:
+            return "no hay permiso de escritura";
+        case EROFS:
+            return "el disco es de solo lectura";
+        case ENOENT:
+            return "la carpeta no existe";
+        case ENOTDIR:
+            return "la ruta no es una carpeta";
+        case EIO:
+            return "error de entrada y salida del disco";
+        case ENAMETOOLONG:
+            return "el nombre es demasiado largo";
+        default:
+            return std::string("error del sistema ") + std::to_string(err) + " (" + std::strerror(err) + ")";
     }
 }
 
@@ -53,7 +63,8 @@ void ReplaceFile(const fs::path& target, const std::string& bytes) {
     if (fs::is_symlink(path, ec)) path = fs::canonical(path, ec);
     const fs::path folder = path.parent_path();
     auto fail = [&](const std::string& why) {
-        raise("No se pudo guardar el libro \"" + target.string() + "\": " + why + ". El libro no se modificó.");
+        raise("No se pudo guardar el libro \"" + target.string() + "\": " + why +
+              ". El libro no se modificó.");
     };
 
     struct stat st {};

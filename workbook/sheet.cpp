@@ -14,16 +14,21 @@ namespace cauce::workbook {
 namespace {
 
 std::optional<double> ParseNumber(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t' || s.front() == '\n' || s.front() == '\r')) s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\n' || s.back() == '\r')) s.remove_suffix(1);
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t' || s.front() == '\n' || s.front() == '\r'))
+        s.remove_prefix(1);
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\n' || s.back() == '\r'))
+        s.remove_suffix(1);
     if (!s.empty() && s.front() == '+') s.remove_prefix(1);
     double v = 0;
     const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), v);
-    if (s.empty() || ec != std::errc() || end != s.data() + s.size() || !std::isfinite(v)) return std::nullopt;
+    if (s.empty() || ec != std::errc() || end != s.data() + s.size() || !std::isfinite(v))
+        return std::nullopt;
     return v;
 }
 
-bool IsEmpty(const Cell& c) { return c.kind == CellKind::Empty || (c.kind == CellKind::Text && c.text.empty()); }
+bool IsEmpty(const Cell& c) {
+    return c.kind == CellKind::Empty || (c.kind == CellKind::Text && c.text.empty());
+}
 
 void RemoveChildren(pugi::xml_node c, std::string_view local) {
     for (auto n = c.first_child(); n;) {
@@ -35,8 +40,8 @@ void RemoveChildren(pugi::xml_node c, std::string_view local) {
 
 }  // namespace
 
-Sheet::Sheet(std::string name, std::string part, const std::string& xml, const std::vector<std::string>& strings,
-             const std::string& file)
+Sheet::Sheet(std::string name, std::string part, const std::string& xml,
+             const std::vector<std::string>& strings, const std::string& file)
     : name_(std::move(name)), part_(std::move(part)), file_(file) {
     ParseXml(doc_, xml, file_, part_);
     auto damaged = [&](const std::string& why) {
@@ -61,7 +66,8 @@ Sheet::Sheet(std::string name, std::string part, const std::string& xml, const s
         if (row.type() != pugi::node_element || LocalName(row) != "row") continue;
         if (auto a = row.attribute("r")) {
             const auto v = ParseNumber(a.value());
-            if (!v || *v < 1 || *v > kMaxRow || *v != std::floor(*v)) damaged("una fila tiene el número \"" + std::string(a.value()) + "\"");
+            if (!v || *v < 1 || *v > kMaxRow || *v != std::floor(*v))
+                damaged("una fila tiene el número \"" + std::string(a.value()) + "\"");
             r = static_cast<int>(*v);
         } else {
             ++r;
@@ -93,8 +99,10 @@ Sheet::Sheet(std::string name, std::string part, const std::string& xml, const s
             if (t == "s") {
                 if (v) {
                     const auto idx = ParseNumber(vt);
-                    if (!idx || *idx < 0 || *idx >= static_cast<double>(strings.size()) || *idx != std::floor(*idx))
-                        damaged("la celda " + RefName(cr, col) + " remite a un texto compartido que no existe");
+                    if (!idx || *idx < 0 || *idx >= static_cast<double>(strings.size()) ||
+                        *idx != std::floor(*idx))
+                        damaged("la celda " + RefName(cr, col) +
+                                " remite a un texto compartido que no existe");
                     cell = Cell::Str(strings[static_cast<std::size_t>(*idx)]);
                 }
             } else if (t == "inlineStr") {
@@ -122,7 +130,9 @@ Cell Sheet::Get(int row, int col) const {
     return it == values_.end() ? Cell{} : it->second;
 }
 
-bool Sheet::IsFormula(int row, int col) const { return formulas_.count({row, col}) > 0; }
+bool Sheet::IsFormula(int row, int col) const {
+    return formulas_.count({row, col}) > 0;
+}
 
 void Sheet::NumberRows() {
     for (auto& [r, node] : rows_)
@@ -131,7 +141,8 @@ void Sheet::NumberRows() {
 
 void Sheet::NumberCells(pugi::xml_node, int r) {
     for (auto it = nodes_.lower_bound({r, 0}); it != nodes_.end() && it->first.first == r; ++it)
-        if (!it->second.attribute("r")) it->second.prepend_attribute("r").set_value(RefName(r, it->first.second).c_str());
+        if (!it->second.attribute("r"))
+            it->second.prepend_attribute("r").set_value(RefName(r, it->first.second).c_str());
 }
 
 pugi::xml_node Sheet::RowNode(int row) {
@@ -174,7 +185,8 @@ void Sheet::DropFormula(int row, int col, pugi::xml_node c) {
         for (const auto& [key, is_formula] : formulas_) {
             if (key == std::pair{row, col}) continue;
             pugi::xml_node g = Child(nodes_.at(key), "f");
-            if (std::string_view(g.attribute("t").value()) != "shared" || si != g.attribute("si").value()) continue;
+            if (std::string_view(g.attribute("t").value()) != "shared" || si != g.attribute("si").value())
+                continue;
             g.remove_attribute("t");
             g.remove_attribute("si");
             g.remove_attribute("ref");
@@ -221,7 +233,9 @@ void Sheet::Set(int row, int col, const Cell& value) {
                 nodes_.erase(key);
             }
             break;
-        case CellKind::Number: add("v").text().set(NumberText(value.number).c_str()); break;
+        case CellKind::Number:
+            add("v").text().set(NumberText(value.number).c_str());
+            break;
         case CellKind::Text: {
             c.append_attribute("t").set_value("inlineStr");
             pugi::xml_node t = add("is").append_child((prefix_ + "t").c_str());
@@ -249,6 +263,8 @@ void Sheet::Set(int row, int col, const Cell& value) {
     modified_ = true;
 }
 
-std::string Sheet::Xml() { return WriteXml(doc_); }
+std::string Sheet::Xml() {
+    return WriteXml(doc_);
+}
 
 }  // namespace cauce::workbook

@@ -14,7 +14,7 @@
 namespace cauce::workbook {
 
 class Sheet {
-public:
+  public:
     // Parses the sheet's part; strings resolves shared-string indices. Throws Fault naming file and part.
     Sheet(std::string name, std::string part, const std::string& xml, const std::vector<std::string>& strings,
           const std::string& file);
@@ -38,7 +38,7 @@ public:
     bool RemovedFormula() const { return removed_formula_; }
     std::string Xml();
 
-private:
+  private:
     pugi::xml_node RowNode(int row);
     pugi::xml_node CellNode(int row, int col);
     void DropFormula(int row, int col, pugi::xml_node c);

@@ -31,7 +31,8 @@ std::string ResolveTarget(const std::string& folder, std::string target) {
     std::size_t start = 0;
     while (start <= path.size()) {
         const auto slash = path.find('/', start);
-        const std::string seg = path.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
+        const std::string seg =
+            path.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
         if (seg == "..") {
             if (!out.empty()) out.pop_back();
         } else if (!seg.empty() && seg != ".") {
@@ -52,8 +53,9 @@ std::string Folder(const std::string& part) {
 
 std::string RelsOf(const std::string& part) {
     const auto slash = part.rfind('/');
-    return slash == std::string::npos ? "_rels/" + part + ".rels"
-                                      : part.substr(0, slash + 1) + "_rels/" + part.substr(slash + 1) + ".rels";
+    return slash == std::string::npos
+               ? "_rels/" + part + ".rels"
+               : part.substr(0, slash + 1) + "_rels/" + part.substr(slash + 1) + ".rels";
 }
 
 struct Rel {
@@ -86,7 +88,9 @@ std::unique_ptr<Workbook::State> Workbook::Load(std::string bytes, std::string f
     s->pkg = std::make_unique<Package>(std::move(bytes), file);
     Package& pkg = *s->pkg;
     auto not_a_book = [&] {
-        raise("\"" + file + "\" no es un libro de Excel: es un archivo zip sin hoja de cálculo. El archivo no se modificó.");
+        raise(
+            "\"" + file +
+            "\" no es un libro de Excel: es un archivo zip sin hoja de cálculo. El archivo no se modificó.");
     };
 
     // The package's relationships name its main part; xl/workbook.xml is where it always is.
@@ -136,14 +140,16 @@ std::unique_ptr<Workbook::State> Workbook::Load(std::string bytes, std::string f
         if (!EndsWith(rel->type, "/worksheet")) continue;  // chart and dialog sheets hold no cells
         const std::string part = pkg.Find(rel->target);
         if (part.empty())
-            raise("El libro \"" + file + "\" está dañado: falta la parte " + rel->target + " de la hoja \"" + name +
-                  "\". El archivo no se modificó.");
+            raise("El libro \"" + file + "\" está dañado: falta la parte " + rel->target + " de la hoja \"" +
+                  name + "\". El archivo no se modificó.");
         s->sheets.push_back(std::make_unique<Sheet>(name, part, pkg.Read(part), strings, file));
     }
     return s;
 }
 
-Workbook::Workbook(std::unique_ptr<State> s) : s_(std::move(s)) { path_ = s_->file; }
+Workbook::Workbook(std::unique_ptr<State> s) : s_(std::move(s)) {
+    path_ = s_->file;
+}
 Workbook::~Workbook() = default;
 
 std::unique_ptr<Workbook> Workbook::FromBytes(std::string bytes, std::string file) {
@@ -167,8 +173,8 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
     const int fd = ::open(path.c_str(), O_RDONLY);
     if (fd < 0) {
         const int err = errno;
-        fail("No se puede leer el libro \"" + file + "\": " +
-             (err == EACCES ? std::string("no hay permiso de lectura") : SystemReason(err)) + ".");
+        fail("No se puede leer el libro \"" + file +
+             "\": " + (err == EACCES ? std::string("no hay permiso de lectura") : SystemReason(err)) + ".");
     }
     std::string bytes;
     char buf[65536];
@@ -245,8 +251,9 @@ std::string Workbook::Bytes() {
             pugi::xml_node before;
             for (auto n = book.first_child(); n && !before; n = n.next_sibling()) {
                 const std::string_view l = LocalName(n);
-                for (const char* later : {"oleSize", "customWorkbookViews", "pivotCaches", "smartTagPr", "smartTagTypes",
-                                          "webPublishing", "fileRecoveryPr", "webPublishObjects", "extLst"})
+                for (const char* later :
+                     {"oleSize", "customWorkbookViews", "pivotCaches", "smartTagPr", "smartTagTypes",
+                      "webPublishing", "fileRecoveryPr", "webPublishObjects", "extLst"})
                     if (l == later) before = n;
             }
             const std::string name = Prefix(book) + "calcPr";
@@ -270,7 +277,8 @@ std::string Workbook::Bytes() {
         const std::string part = s_->pkg->Find("[Content_Types].xml");
         ParseXml(types, s_->pkg->Read(part), s_->file, part);
         for (auto o = types.document_element().first_child(); o; o = o.next_sibling())
-            if (LocalName(o) == "Override" && std::string_view(o.attribute("PartName").value()) == "/" + s_->calc_chain_part) {
+            if (LocalName(o) == "Override" &&
+                std::string_view(o.attribute("PartName").value()) == "/" + s_->calc_chain_part) {
                 types.document_element().remove_child(o);
                 break;
             }
@@ -290,16 +298,21 @@ std::string Workbook::Save() {
         for (int n = 2; fs::exists(target) && n < 100; ++n)
             target.replace_filename(fs::path(path_).stem().string() + " (" + std::to_string(n) + ").xlsx");
         if (fs::exists(target))
-            raise("No se pudo guardar el libro \"" + path_ + "\": ya existen demasiadas copias .xlsx junto a él.");
-        note = "El libro \"" + path_ + "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se "
-               "guardaron en \"" + target.string() + "\".";
+            raise("No se pudo guardar el libro \"" + path_ +
+                  "\": ya existen demasiadas copias .xlsx junto a él.");
+        note = "El libro \"" + path_ +
+               "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se "
+               "guardaron en \"" +
+               target.string() + "\".";
     } else {
         struct stat st {};
-        const long long mtime = ::stat(path_.c_str(), &st) == 0
-                                    ? static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec
-                                    : -1;
+        const long long mtime =
+            ::stat(path_.c_str(), &st) == 0
+                ? static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec
+                : -1;
         if (mtime != disk_mtime_ || st.st_size != disk_size_)
-            raise("No se pudo guardar el libro \"" + path_ + "\": otro programa lo cambió después de que Cauce lo "
+            raise("No se pudo guardar el libro \"" + path_ +
+                  "\": otro programa lo cambió después de que Cauce lo "
                   "abriera. El libro no se modificó; ábralo de nuevo en Cauce para seguir.");
     }
     std::string bytes = Bytes();

@@ -17,7 +17,7 @@
 namespace cauce::workbook {
 
 class Workbook {
-public:
+  public:
     // Opens the file; throws Fault with a Spanish message that names it and says what is wrong.
     static std::unique_ptr<Workbook> Open(const std::filesystem::path& path);
     // An .xlsx held in memory (file only names it in messages); Save() is then not available.
@@ -37,7 +37,7 @@ public:
     // The package as Save() would write it.
     std::string Bytes();
 
-private:
+  private:
     struct State;
     explicit Workbook(std::unique_ptr<State> s);
     static std::unique_ptr<State> Load(std::string bytes, std::string file);

@@ -8,7 +8,8 @@ namespace cauce::workbook {
 
 namespace {
 
-constexpr unsigned kParse = pugi::parse_default | pugi::parse_declaration | pugi::parse_doctype | pugi::parse_ws_pcdata;
+constexpr unsigned kParse =
+    pugi::parse_default | pugi::parse_declaration | pugi::parse_doctype | pugi::parse_ws_pcdata;
 
 bool HasDoctype(const pugi::xml_node& doc) {
     for (auto n = doc.first_child(); n; n = n.next_sibling())
@@ -16,7 +17,9 @@ bool HasDoctype(const pugi::xml_node& doc) {
     return false;
 }
 
-bool IsHex(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+bool IsHex(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
 
 void AppendUtf8(std::string& out, unsigned cp) {
     if (cp < 0x80) {
@@ -48,24 +51,28 @@ std::string DecodeEscapes(const std::string& s) {
 
 }  // namespace
 
-void ParseXml(pugi::xml_document& doc, const std::string& text, const std::string& file, const std::string& part) {
+void ParseXml(pugi::xml_document& doc, const std::string& text, const std::string& file,
+              const std::string& part) {
     // A document type is where entity definitions live (the "billion laughs", external entities);
     // no part of a workbook has one, so its presence alone is refused, before anything is expanded.
     const pugi::xml_parse_result r = doc.load_buffer(text.data(), text.size(), kParse, pugi::encoding_auto);
     if (HasDoctype(doc) || (!r && r.status == pugi::status_bad_doctype))
-        raise("El libro \"" + file + "\" se rechaza: la parte " + part +
-              " declara un tipo de documento con entidades XML, que un libro de Excel no usa. El archivo no se "
-              "modificó.");
+        raise(
+            "El libro \"" + file + "\" se rechaza: la parte " + part +
+            " declara un tipo de documento con entidades XML, que un libro de Excel no usa. El archivo no se "
+            "modificó.");
     if (!r)
-        raise("El libro \"" + file + "\" está dañado: la parte " + part + " no es XML válido (" + r.description() +
-              ", posición " + std::to_string(r.offset) + "). El archivo no se modificó.");
-    if (!doc.document_element()) raise("El libro \"" + file + "\" está dañado: la parte " + part + " está vacía.");
+        raise("El libro \"" + file + "\" está dañado: la parte " + part + " no es XML válido (" +
+              r.description() + ", posición " + std::to_string(r.offset) + "). El archivo no se modificó.");
+    if (!doc.document_element())
+        raise("El libro \"" + file + "\" está dañado: la parte " + part + " está vacía.");
 }
 
 std::string WriteXml(pugi::xml_document& doc) {
     // The text is written in UTF-8 whatever it was read in; the declaration must say so.
     for (auto n = doc.first_child(); n; n = n.next_sibling())
-        if (n.type() == pugi::node_declaration && n.attribute("encoding")) n.attribute("encoding").set_value("UTF-8");
+        if (n.type() == pugi::node_declaration && n.attribute("encoding"))
+            n.attribute("encoding").set_value("UTF-8");
     std::ostringstream out;
     doc.save(out, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
     return out.str();

@@ -11,7 +11,8 @@ namespace cauce::workbook {
 
 // Parses a part; throws Fault naming the file and the part when it is not well-formed XML or declares
 // a document type (entities).
-void ParseXml(pugi::xml_document& doc, const std::string& text, const std::string& file, const std::string& part);
+void ParseXml(pugi::xml_document& doc, const std::string& text, const std::string& file,
+              const std::string& part);
 
 // The XML text of a document as it was parsed (declaration kept, no reformatting), in UTF-8.
 std::string WriteXml(pugi::xml_document& doc);

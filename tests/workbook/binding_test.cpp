@@ -35,7 +35,8 @@ TEST_F(WorkbookTest, NavigatorMovesAndStaysAtTheEnds) {
 TEST_F(WorkbookTest, SalirAndAChangeOfScreenSaveThePendingRecord) {
     const fs::path file = Dir() / "rio.xlsx";
     fs::copy_file(kRios, file);
-    auto r = Guion("pantalla Form2\nlibro rio.xlsx\nregistro 3\nescribir Text95 41.5\noprimir Command3\nbailar\n");
+    auto r =
+        Guion("pantalla Form2\nlibro rio.xlsx\nregistro 3\nescribir Text95 41.5\noprimir Command3\nbailar\n");
     ASSERT_EQ(r.status, 0) << r.err;  // "Salir" ends the run before the line it cannot read
     EXPECT_EQ(Cell(file, 3, "Caudal"), "41.5");
 

@@ -20,7 +20,9 @@ std::vector<json> Lines(const std::string& out) {
     return v;
 }
 
-std::string Text(int n) { return "Text" + std::to_string(n); }
+std::string Text(int n) {
+    return "Text" + std::to_string(n);
+}
 
 TEST_F(WorkbookTest, WholeReachOfTheBundledRiosComputesAndItsTableLandsInTheWorkbook) {
     // Every section's "(Y?)" in record order (the last one, N = 12, arms "Perfiles"), then the profile
@@ -65,7 +67,8 @@ TEST_F(WorkbookTest, WholeReachOfTheBundledRiosComputesAndItsTableLandsInTheWork
         EXPECT_EQ(saved.Get(11, "Tipo" + n), "") << "only the current record takes the table";
     }
     // Everything else of the sheet is as bundled.
-    workbook::SheetRecords bundled(workbook::Workbook::Open(fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx"), "Persecc");
+    workbook::SheetRecords bundled(workbook::Workbook::Open(fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx"),
+                                   "Persecc");
     for (const char* column : {"z1", "t3", "Si", "Caudal", "Abscisa9", "Ancho Zi", "Rugosidad Zi"})
         for (int k = 1; k <= 12; ++k) EXPECT_EQ(saved.Get(k, column), bundled.Get(k, column)) << k << column;
 }
@@ -75,8 +78,10 @@ TEST_F(WorkbookTest, EveryScreenOpensItsDefaultWorkbookWithEveryColumnBound) {
         const char* screen;
         const char* file;
         const char* records;
-    } cases[] = {{"Form1", "Rios.xlsx", "1 de 4"},  {"Form2", "Rios.xlsx", "1 de 12"},
-                 {"Form3", "Ormandi.xlsx", "1 de 10"}, {"Form4", "Rios.xlsx", "1 de 6"},
+    } cases[] = {{"Form1", "Rios.xlsx", "1 de 4"},
+                 {"Form2", "Rios.xlsx", "1 de 12"},
+                 {"Form3", "Ormandi.xlsx", "1 de 10"},
+                 {"Form4", "Rios.xlsx", "1 de 6"},
                  {"Form5", "Rios.xlsx", "1 de 4"}};
     for (const auto& c : cases) {
         const std::string path = workbook::DefaultWorkbook(c.screen);
@@ -98,7 +103,8 @@ TEST_F(WorkbookTest, LegacyPathsMapOntoTheDataFolderWithoutOverwritingAnything) 
     EXPECT_EQ(Slurp(datos / "Rios.xlsx"), Slurp(fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx"));
     EXPECT_EQ(Slurp(datos / "Ormandi.xlsx"), Slurp(fs::path(CAUCE_EXAMPLES_DIR) / "Ormandi.xlsx"));
     // Any case, either slash; "rios.xls" of the natural uniform-flow screen too.
-    for (const char* p : {"c:\\programas\\datos\\RIOS.XLS", "C:/Programas/Datos/Rios.xls", "rios.xls", "RIOS.xls"})
+    for (const char* p :
+         {"c:\\programas\\datos\\RIOS.XLS", "C:/Programas/Datos/Rios.xls", "rios.xls", "RIOS.xls"})
         EXPECT_EQ(workbook::ResolveWorkbookPath(p), datos / "Rios.xlsx") << p;
     EXPECT_EQ(workbook::ResolveWorkbookPath("C:\\Ormandi\\Ormandi.xls"), datos / "Ormandi.xlsx");
     // Other paths are the user's: a relative one from the working folder.

@@ -16,8 +16,16 @@ TEST(NumberText, IsTheShortestTextThatReadsBackTheSameDouble) {
         double x;
         const char* text;
     } cases[] = {
-        {0.015, "0.015"}, {100, "100"}, {-2.5, "-2.5"}, {0, "0"}, {-0.0, "0"}, {1e-7, "1e-07"},
-        {0.1 + 0.2, "0.30000000000000004"}, {120.35, "120.35"}, {1e21, "1e+21"}, {123456789012, "123456789012"},
+        {0.015, "0.015"},
+        {100, "100"},
+        {-2.5, "-2.5"},
+        {0, "0"},
+        {-0.0, "0"},
+        {1e-7, "1e-07"},
+        {0.1 + 0.2, "0.30000000000000004"},
+        {120.35, "120.35"},
+        {1e21, "1e+21"},
+        {123456789012, "123456789012"},
     };
     for (const auto& c : cases) EXPECT_EQ(NumberText(c.x), c.text) << c.x;
 }
@@ -27,10 +35,12 @@ TEST(NumberFromText, TakesOnlyTextsThatAreEntirelyANumber) {
         const char* text;
         std::optional<double> value;
     } cases[] = {
-        {"0.015", 0.015}, {"100", 100}, {"-2.5", -2.5}, {"+5", 5}, {"1e3", 1000}, {"1E-3", 0.001}, {".5", 0.5},
-        {"101.50", 101.5}, {"", std::nullopt}, {" 5", std::nullopt}, {"5 ", std::nullopt}, {"2,5", std::nullopt},
-        {"M1", std::nullopt}, {"inf", std::nullopt}, {"nan", std::nullopt}, {"1e999", std::nullopt},
-        {"-", std::nullopt}, {".", std::nullopt}, {"1e", std::nullopt}, {"0x10", std::nullopt}, {"--1", std::nullopt},
+        {"0.015", 0.015},      {"100", 100},          {"-2.5", -2.5},        {"+5", 5},
+        {"1e3", 1000},         {"1E-3", 0.001},       {".5", 0.5},           {"101.50", 101.5},
+        {"", std::nullopt},    {" 5", std::nullopt},  {"5 ", std::nullopt},  {"2,5", std::nullopt},
+        {"M1", std::nullopt},  {"inf", std::nullopt}, {"nan", std::nullopt}, {"1e999", std::nullopt},
+        {"-", std::nullopt},   {".", std::nullopt},   {"1e", std::nullopt},  {"0x10", std::nullopt},
+        {"--1", std::nullopt},
     };
     for (const auto& c : cases) EXPECT_EQ(NumberFromText(c.text), c.value) << '"' << c.text << '"';
 }
@@ -52,8 +62,9 @@ TEST(CellRef, ReadsAndWritesA1References) {
     const struct {
         const char* ref;
         int row, col;  // 0: not a reference
-    } cases[] = {{"A1", 1, 1}, {"AB12", 12, 28}, {"$C$7", 7, 3}, {"XFD1048576", 1048576, 16384},
-                 {"XFE1", 0, 0}, {"A0", 0, 0}, {"A1048577", 0, 0}, {"1A", 0, 0}, {"A", 0, 0}, {"A1B", 0, 0}};
+    } cases[] = {{"A1", 1, 1},   {"AB12", 12, 28}, {"$C$7", 7, 3},     {"XFD1048576", 1048576, 16384},
+                 {"XFE1", 0, 0}, {"A0", 0, 0},     {"A1048577", 0, 0}, {"1A", 0, 0},
+                 {"A", 0, 0},    {"A1B", 0, 0}};
     for (const auto& c : cases) {
         const auto r = ParseRef(c.ref);
         if (c.row == 0) {

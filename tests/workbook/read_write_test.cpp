@@ -42,7 +42,8 @@ std::string Expanded(const fs::path& file, const std::string& part) {
     std::string text;
     if (zip_file_t* f = zip_fopen(z, part.c_str(), 0)) {
         char buf[4096];
-        for (zip_int64_t n; (n = zip_fread(f, buf, sizeof buf)) > 0;) text.append(buf, static_cast<std::size_t>(n));
+        for (zip_int64_t n; (n = zip_fread(f, buf, sizeof buf)) > 0;)
+            text.append(buf, static_cast<std::size_t>(n));
         zip_fclose(f);
     }
     zip_close(z);
@@ -50,7 +51,7 @@ std::string Expanded(const fs::path& file, const std::string& part) {
 }
 
 class HandWritten : public WorkbookTest, public ::testing::WithParamInterface<std::string> {
-protected:
+  protected:
     void SetUp() override {
         WorkbookTest::SetUp();
         file_ = Dir() / "rio.xlsx";
@@ -67,19 +68,19 @@ TEST_P(HandWritten, ReadsEveryKindOfCell) {
         const char* column;
         const char* text;
     } cases[] = {
-        {1, "SecId", "1"},            // number
-        {1, "Rugosidad", "0.035"},    // 0.035000000000000003 is the double 0.035
-        {1, "Nota", " río  "},        // shared string, blanks kept
-        {1, "Doble", "25"},           // a shared formula's cached result
-        {1, "Texto", "VERDADERO"},    // boolean
-        {2, "SecId", "2"},            // cells without references follow one another
+        {1, "SecId", "1"},          // number
+        {1, "Rugosidad", "0.035"},  // 0.035000000000000003 is the double 0.035
+        {1, "Nota", " río  "},      // shared string, blanks kept
+        {1, "Doble", "25"},         // a shared formula's cached result
+        {1, "Texto", "VERDADERO"},  // boolean
+        {2, "SecId", "2"},          // cells without references follow one another
         {2, "Rugosidad", "-2.5"},
-        {2, "Caudal", "0.001"},       // written 1E-3
+        {2, "Caudal", "0.001"},         // written 1E-3
         {2, "Nota", "línea\r\nnueva"},  // _x000D_ is a carriage return
-        {2, "Texto", "Q=0.001"},      // a formula's text result
-        {3, "Rugosidad", ""},         // no cell
-        {3, "Nota", "#DIV/0!"},       // error
-        {3, "Texto", "cañón"},        // inline string in runs
+        {2, "Texto", "Q=0.001"},        // a formula's text result
+        {3, "Rugosidad", ""},           // no cell
+        {3, "Nota", "#DIV/0!"},         // error
+        {3, "Texto", "cañón"},          // inline string in runs
     };
     for (const auto& c : cases) EXPECT_EQ(rec.Get(c.record, c.column), c.text) << c.record << " " << c.column;
     // "Rugo" and "sidad" are runs of one shared string; its phonetic reading is not part of it.
@@ -91,7 +92,7 @@ TEST_P(HandWritten, EditsKeepFormulasChainAndUntouchedPartsCoherent) {
     const auto before = RawParts(file_);
     {
         SheetRecords rec(Workbook::Open(file_), "Persecc");
-        rec.Set(1, "Doble", "30");       // overwrites the cell holding the shared formula's text
+        rec.Set(1, "Doble", "30");        // overwrites the cell holding the shared formula's text
         rec.Set(1, "Rugosidad", "0.05");  // a styled cell keeps its number format
         rec.Set(3, "Rugosidad", "0.04");  // a new cell between two others
         rec.Set(2, "Texto", "");          // a formula cell cleared
@@ -109,7 +110,8 @@ TEST_P(HandWritten, EditsKeepFormulasChainAndUntouchedPartsCoherent) {
     EXPECT_EQ(rows[1][4], 30);
     EXPECT_EQ(rows[3][1], 0.04);
     EXPECT_EQ(rows[2][5], nullptr);
-    EXPECT_EQ(rows[2], nlohmann::json::parse(R"([2, -2.5, 0.001, "línea_x000D_\nnueva", "=C3*2", null, "nuevo"])"));
+    EXPECT_EQ(rows[2],
+              nlohmann::json::parse(R"([2, -2.5, 0.001, "línea_x000D_\nnueva", "=C3*2", null, "nuevo"])"));
     EXPECT_EQ(rows[1][2], 12.5);
 
     const auto after = RawParts(file_);
@@ -133,8 +135,9 @@ TEST_F(WorkbookTest, UnchangedWorkbookIsNotWritten) {
     const fs::path file = Dir() / "rio.xlsx";
     ASSERT_EQ(Libros("crear " + file.string()), 0);
     const std::string bytes = Slurp(file);
-    const auto r = Guion("pantalla Form2\nlibro rio.xlsx\nregistro 2\nregistro 3\nescribir Text93 0.03\n"
-                         "oprimir Command3\n");
+    const auto r = Guion(
+        "pantalla Form2\nlibro rio.xlsx\nregistro 2\nregistro 3\nescribir Text93 0.03\n"
+        "oprimir Command3\n");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(Slurp(file), bytes);
 }

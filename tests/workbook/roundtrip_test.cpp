@@ -61,8 +61,8 @@ TEST_F(WorkbookTest, OpenpyxlFindsTheEditsAndEverythingElseIntact) {
     }
     Spit(Dir() / "cambios.json", kChanges);
     std::string out;
-    EXPECT_EQ(Libros("verificar " + (Dir() / "original.xlsx").string() + " " + (Dir() / "rio.xlsx").string() + " " +
-                         (Dir() / "cambios.json").string(),
+    EXPECT_EQ(Libros("verificar " + (Dir() / "original.xlsx").string() + " " + (Dir() / "rio.xlsx").string() +
+                         " " + (Dir() / "cambios.json").string(),
                      &out),
               0)
         << out;
@@ -73,9 +73,11 @@ TEST_F(WorkbookTest, LegacyXlsIsSavedAsAnXlsxBesideItAndNeverWritten) {
     const std::string xls = Slurp(Dir() / "rio.xls");
     auto r = Guion(Replace(kScript, "LIBRO", "rio.xls"));
     ASSERT_EQ(r.status, 0) << r.err;
-    const std::string note = "El libro \"" + (Dir() / "rio.xls").string() +
-                             "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se guardaron "
-                             "en \"" + (Dir() / "rio.xlsx").string() + "\".";
+    const std::string note =
+        "El libro \"" + (Dir() / "rio.xls").string() +
+        "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se guardaron "
+        "en \"" +
+        (Dir() / "rio.xlsx").string() + "\".";
     const auto first = nlohmann::json::parse(r.out.substr(0, r.out.find('\n')));
     EXPECT_EQ(first.value("aviso", ""), note);
     EXPECT_NE(r.err.find(note), std::string::npos);
@@ -85,9 +87,9 @@ TEST_F(WorkbookTest, LegacyXlsIsSavedAsAnXlsxBesideItAndNeverWritten) {
     std::string out;
     ASSERT_EQ(Libros("leer " + (Dir() / "rio.xlsx").string() + " Persecc", &out), 0) << out;
     const auto rows = nlohmann::json::parse(out);
-    EXPECT_EQ(rows[2][8], 0.04);   // record 2, Rugosidad
-    EXPECT_EQ(rows[2][2], 99.9);   // record 2, z1
-    EXPECT_EQ(rows[3][10], 55);    // record 3, Caudal
+    EXPECT_EQ(rows[2][8], 0.04);    // record 2, Rugosidad
+    EXPECT_EQ(rows[2][2], 99.9);    // record 2, z1
+    EXPECT_EQ(rows[3][10], 55);     // record 3, Caudal
     EXPECT_EQ(rows[1][16], 390.5);  // record 1, Abscisa9
     EXPECT_EQ(rows[1][17], "M2");
     EXPECT_EQ(rows[1][19], "aguas arriba");  // untouched text

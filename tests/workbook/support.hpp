@@ -62,7 +62,7 @@ inline GuionRun Guion(const std::string& script) {
 
 // A scratch working folder whose data folder (CAUCE_DATOS) is its subfolder "datos".
 class WorkbookTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
         std::string name = std::string(info->test_suite_name()) + "-" + info->name();
@@ -75,7 +75,7 @@ protected:
     void TearDown() override { scratch_.reset(); }
     const fs::path& Dir() const { return scratch_->path(); }
 
-private:
+  private:
     std::unique_ptr<ScratchDir> scratch_;
 };
 
