@@ -3,8 +3,10 @@
 // without walking every one, and give exactly the depth the march would hold after j additions.
 #pragma once
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace cauce {
@@ -32,6 +34,26 @@ private:
     std::int64_t next_ = 0;  // index of the value that starts the next run
     double next_x_;
     bool still_ = false;  // the additions no longer change the value
+};
+
+// An Accumulation kept from one search to the next while its start stays the same: building the runs
+// from scratch costs more than a search (a conduit's march from 1 mm crosses ten binades), and
+// successive searches often start alike (from 1 mm, from half a conduit, a rating curve).
+class AccumulationCache {
+public:
+    explicit AccumulationCache(double step) : step_(step) {}
+    Accumulation& From(double start) {
+        if (!acc_ || std::bit_cast<std::uint64_t>(start) != std::bit_cast<std::uint64_t>(start_)) {
+            acc_.emplace(start, step_);
+            start_ = start;
+        }
+        return *acc_;
+    }
+
+private:
+    double step_;
+    double start_ = 0;
+    std::optional<Accumulation> acc_;
 };
 
 // The value of x after j additions of c, for a single use.
@@ -96,6 +118,13 @@ std::int64_t FirstReachedNear(std::int64_t lo, std::int64_t hi, std::int64_t gue
         (reached(mid) ? above : below) = mid;
     }
     return above;
+}
+
+// A step count from a real estimate (a guess), kept inside [lo, hi]; a NaN gives lo.
+inline std::int64_t StepNear(double steps, std::int64_t lo, std::int64_t hi) {
+    if (!(steps > static_cast<double>(lo))) return lo;
+    if (!(steps < static_cast<double>(hi))) return hi;
+    return static_cast<std::int64_t>(std::ceil(steps));
 }
 
 // A few steps of Newton's method from x, kept inside [lo, hi]; fdf(x) gives {f(x), f'(x)}. The

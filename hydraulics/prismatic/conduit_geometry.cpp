@@ -11,7 +11,13 @@
 
 namespace cauce::prismatic {
 
-double State::Geometria() {
+namespace {
+
+struct Shape {
+    double A, P, T;
+};
+
+Shape ShapeAt(double D, double y) {
     const double x = 1 - Div(2 * y, D);
     double s2 = 1 - x * x;
     if (s2 <= 0) s2 = 0.0001;
@@ -23,12 +29,32 @@ double State::Geometria() {
         alpha = std::atan(Div(s, x));
         if (alpha < 0) alpha = alpha + 3.1416;
     }
-    A = (alpha - std::sin(alpha) * std::cos(alpha)) * (D * D) / 4;
-    P = D * alpha;
-    T = D * std::sin(alpha);
+    return {(alpha - std::sin(alpha) * std::cos(alpha)) * (D * D) / 4, D * alpha, D * std::sin(alpha)};
+}
+
+double Discharge(double S, double n, double A, double P) {
+    return Div(Div(SlopeRoot(S), n) * Pow(A, 5.0 / 3.0), Pow(P, 2.0 / 3.0));
+}
+
+}  // namespace
+
+double State::Geometria() {
+    const Shape shape = ShapeAt(D, y);
+    A = shape.A;
+    P = shape.P;
+    T = shape.T;
     if (y == D) return Qlleno;
     Dh = Div(A, T);
-    return Div(Div(SlopeRoot(S), n) * Pow(A, 5.0 / 3.0), Pow(P, 2.0 / 3.0));
+    return Discharge(S, n, A, P);
+}
+
+ConduitAt ConduitAtDepth(const State& st, double y) {
+    const Shape shape = ShapeAt(st.D, y);
+    ConduitAt at{shape.A, shape.P, shape.T, st.Dh, st.Qlleno};
+    if (y == st.D) return at;
+    at.Dh = Div(at.A, at.T);
+    at.q = Discharge(st.S, st.n, at.A, at.P);
+    return at;
 }
 
 }  // namespace cauce::prismatic

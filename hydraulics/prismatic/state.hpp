@@ -32,8 +32,31 @@ inline constexpr std::int64_t kIterationBudget = 100'000;
 inline constexpr std::int64_t kMarchBudget = 5'000'000;
 inline constexpr std::int64_t kFloodBudget = 400'000;
 
+// Above this diameter the conduit's searches walk their marches: a 1 mm step is then too small a part
+// of the conduit to be sure that rounding cannot blur the change it makes.
+inline constexpr double kLargestFastDiameter = 1e4;
+
 // The full conduit has no free surface: its Froude number is shown as this fixed value.
 inline constexpr double kFullConduitFroude = 0;
+
+// Geometria's arithmetic at a depth y, without touching the state: area, wetted perimeter, top
+// width, hydraulic depth and Manning's discharge (at y = D the state's Dh and Qlleno, as Geometria).
+struct ConduitAt {
+    double A, P, T, Dh, q;
+};
+
+// A step of the conduit's critical march: the step's number, the conduit there, the velocity and
+// Froude's number.
+struct ConduitStep {
+    std::int64_t index = -1;
+    ConduitAt at{};
+    double vc = 0, froude = 0;
+};
+
+// Qdesbord2's arithmetic at a depth d over the banks, without touching the state.
+struct OverBanksAt {
+    double Am, Qm, Wf, Af, Qf, Qt;
+};
 
 struct State {
     // Data of the screen (Text1..Text7; D is Text3 in the conduit's layout).
@@ -86,6 +109,12 @@ struct State {
     double Fm = 0;     // main channel's Froude number
     double Ff = 0;     // flood zone's Froude number (0 when it has no width)
 
+    // The fixed-step marches (the conduit's normal and critical depths, the depth over the banks) find
+    // the step at which the march stops by a bracketing search over the step count, with exactly the
+    // march's results; where the searched quantity is not surely monotone they walk the march. With
+    // `literal` set they always walk it: the reference the fast paths are checked against.
+    bool literal = false;
+
     // --- trapezoidal family (section.cpp, normal.cpp, bankfull.cpp, critical.cpp) ---
     // The shape the data describe; the later test wins, so b = z = 0 is a rectangle.
     SectionType Datos() const;
@@ -125,7 +154,22 @@ struct State {
   private:
     // Full-conduit discharge; returns the full area.
     double FullConduit();
+    // The marches as they always were, from the depth y (and the discharge qc last computed), with
+    // `done` steps already taken; and their fast paths, which return false to leave it to them.
+    void CircularMarch(double qc, std::int64_t done);
+    bool CircularFast(double qc);
+    void ClimbMarch(std::int64_t done);
+    bool ClimbFast();
+    void DescentMarch(std::int64_t done);
+    bool DescentFast(std::int64_t guess);
+    // What the critical march leaves after the step `index` at `depth` (before moving y on).
+    void CriticalStep(const ConduitStep& found, std::int64_t index, double depth);
+    void FloodMarch();
+    bool FloodFast();
 };
+
+ConduitAt ConduitAtDepth(const State& st, double y);
+OverBanksAt OverBanksAtDepth(const State& st, double d);
 
 // Square root of the slope, with a message that names the datum when it is negative.
 double SlopeRoot(double S);
