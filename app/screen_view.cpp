@@ -131,9 +131,14 @@ void ScreenView::Refresh() {
                 MarkReading(box);
                 break;
             }
-            case Kind::Label:
-                static_cast<QLabel*>(w)->setText(text);
+            case Kind::Label: {
+                auto* label = static_cast<QLabel*>(w);
+                if (label->text() != text) {
+                    label->setText(text);
+                    FitLabel(label);
+                }
                 break;
+            }
             case Kind::CommandButton:
                 static_cast<QPushButton*>(w)->setText(ButtonText(c.text));
                 break;
@@ -317,8 +322,29 @@ void ScreenView::PlaceWidgets() {
         const QRect r(
             static_cast<int>(std::lround(ox + c.place.x * s)), static_cast<int>(std::lround(c.place.y * s)),
             static_cast<int>(std::lround(c.place.w * s)), static_cast<int>(std::lround(c.place.h * s)));
-        widgets_.at(c.name)->setGeometry(r);
+        QWidget* w = widgets_.at(c.name);
+        w->setGeometry(r);
+        if (c.kind == Kind::Label) FitLabel(static_cast<QLabel*>(w));
     }
+}
+
+// A caption a little too long for its place is written a little smaller rather than cut off.
+void ScreenView::FitLabel(QLabel* label) const {
+    QFont f = font();
+    const int base = f.pixelSize();
+    const QString text = label->text();
+    const QRect box = label->contentsRect();
+    for (int size = base; size >= std::max(6, base * 3 / 4); --size) {
+        f.setPixelSize(size);
+        const QFontMetrics fm(f);
+        const bool fits =
+            label->wordWrap()
+                ? fm.boundingRect(QRect(0, 0, box.width(), 1 << 20), Qt::TextWordWrap, text).height() <=
+                      box.height()
+                : fm.horizontalAdvance(text) <= box.width();
+        if (fits) break;
+    }
+    label->setFont(f);
 }
 
 }  // namespace cauce::app

@@ -80,6 +80,7 @@ class ScreenView : public QWidget {
     void PlaceWidgets();
     void Typed(const std::string& name, const QString& text);
     void MarkReading(QLineEdit* box);
+    void FitLabel(QLabel* label) const;
     void TableMenu(QLineEdit* box, const std::string& name, const QPoint& at);
 
     forms::Screen& model_;

@@ -14,8 +14,10 @@
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
 #include "forms/val.hpp"
+#include "screens/registry.hpp"
 #include "support.hpp"
 #ifdef CAUCE_WITH_WORKBOOK
+#include "workbook/data_folder.hpp"
 #include "workbook/install.hpp"
 #endif
 
@@ -52,11 +54,13 @@ class Capturas : public QObject {
     void initTestCase() {
         app::LoadSpanishTranslation();
 #ifdef CAUCE_WITH_WORKBOOK
+        // The user's data folder is a scratch one: the bundled examples are copied there, as on a
+        // first start.
         QVERIFY(dir_.isValid());
-        rios_ = dir_.filePath(QStringLiteral("Rios.xlsx"));
-        QVERIFY(QFile::copy(QStringLiteral(CAUCE_EXAMPLES_DIR "/Rios.xlsx"), rios_));
-        QFile::setPermissions(rios_, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        qputenv("CAUCE_DATOS", dir_.path().toLocal8Bit());
         workbook::Install();
+        rios_ = QString::fromStdString(workbook::DefaultWorkbook("Form2"));
+        QVERIFY(QFile::exists(rios_));
 #endif
     }
 
@@ -114,9 +118,36 @@ class Capturas : public QObject {
         desktop.Exit();
     }
 
+    // Every screen as it opens on its example workbook.
+    void everyScreenOpens_data() {
+        QTest::addColumn<QString>("screen");
+        for (std::string_view name : screens::ScreenNames())
+            QTest::newRow(std::string(name).c_str()) << QString::fromUtf8(name.data(), int(name.size()));
+    }
+    void everyScreenOpens() {
+        QFETCH(QString, screen);
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view s) {
+#ifdef CAUCE_WITH_WORKBOOK
+            return workbook::DefaultWorkbook(s);
+#else
+            (void)s;
+            return std::string();
+#endif
+        });
+        app::ScreenWindow* w = desktop.Open(screen.toStdString());
+        QVERIFY(w);
+        QVERIFY(QTest::qWaitForWindowExposed(w));
+        QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
+        const QImage shot = w->grab().toImage();
+        QVERIFY(Colours(shot) > 20);
+        Save(shot, QStringLiteral("pantalla_%1.png").arg(screen));
+        desktop.Exit();
+    }
+
   private:
     QTemporaryDir dir_;
-    QString rios_;  // a copy of the bundled example workbook (empty without workbooks)
+    QString rios_;  // the user's Rios workbook, from the bundled example (empty without workbooks)
 };
 
 QTEST_MAIN(Capturas)

@@ -273,6 +273,44 @@ class Ventanas : public QObject {
         QVERIFY(std::abs(points[2].critical - points[2].bed - 0.742) < 0.005);
         desktop.Exit();
     }
+
+    // The scour screen plots its profile too. Three rectangular sections 150 m apart, M1 throughout
+    // from 3.002 m at the last (tests/guiones/form3_perfil.guion: water at 103.387, 103.232, 103.00).
+    void scourScreenPlotsItsProfile() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
+        app::ScreenWindow* w = desktop.Open("Form3");
+        app::ScreenView* view = w->View();
+        const char* beds[] = {"100.6", "100.3", "100.0"};
+        const char* tops[] = {"104.60", "104.30", "104.00"};
+        const char* widths[] = {"10", "12", "10"};
+        const char* chainages[] = {"0", "150", "300"};
+        Type(view, "Text61", "3");
+        Type(view, "Text123", "0.03");
+        Type(view, "Text124", "0.002");
+        Type(view, "Text125", "60");
+        for (int k = 0; k < 3; ++k) {
+            Type(view, "Text62", QString::number(k + 1));
+            Type(view, "Text1", beds[k]);
+            Type(view, "Text2", widths[k]);
+            Type(view, "Text3", tops[k]);
+            Type(view, "Text4", widths[k]);
+            Type(view, "Text131", chainages[k]);
+            Click(view->Button("Command2"));
+        }
+        Type(view, "Text128", "3.002");
+        Click(view->Button("Command1"));
+        QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
+        const auto& points = w->Chart()->Points();
+        QCOMPARE(points.size(), std::size_t{3});
+        const double water[] = {103.387, 103.232, 103.00};
+        for (int k = 0; k < 3; ++k) {
+            QCOMPARE(points[k].chainage, 150.0 * k);
+            QCOMPARE(points[k].type, QStringLiteral("M1"));
+            QVERIFY(std::abs(points[k].water - water[k]) < 0.006);
+        }
+        desktop.Exit();
+    }
 };
 
 QTEST_MAIN(Ventanas)
