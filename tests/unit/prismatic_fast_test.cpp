@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -85,6 +86,112 @@ Outcome ConduitRun(State& st, double depth) {
     }
     return o;
 }
+
+void ExpectIdentical(State fast, const std::function<void(State&)>& run, const char* what) {
+    State literal = fast;
+    literal.literal = true;
+    std::string ef, el;
+    try {
+        run(fast);
+    } catch (const Fault& f) {
+        ef = f.what();
+    }
+    try {
+        run(literal);
+    } catch (const Fault& f) {
+        el = f.what();
+    }
+    EXPECT_EQ(ef, el) << what;
+    const std::vector<double> vf = Values(fast), vl = Values(literal);
+    for (size_t i = 0; i < vf.size(); ++i)
+        EXPECT_TRUE(Same(vf[i], vl[i])) << what << ", value " << i << ": " << vf[i] << " vs " << vl[i];
+}
+
+State Conduit(double D, double S) {
+    State st;
+    st.n = 0.013;
+    st.S = S;
+    st.D = D;
+    st.Maximo();
+    return st;
+}
+
+}  // namespace
+
+// The places where the searches hand over to the marches or where the arithmetic jumps.
+TEST(PrismaticFastEdges, IdenticalToTheLiteralMarches) {
+    struct Case {
+        const char* what;
+        State st;
+        std::function<void(State&)> run;
+    };
+    auto descent_from = [](double D, double yn, double q) {
+        State st = Conduit(D, 0.001);
+        st.Q = q;
+        st.Yn = yn;
+        st.F = 0;
+        return st;
+    };
+    auto criticac = [](State& st) { st.Criticac(); };
+    auto normal = [](State& st) {
+        st.Circular();
+        st.Final();
+        st.Criticac();
+    };
+    State full = descent_from(1, 1, 0.3);
+    State half = descent_from(1, 0.5, 0.3);
+    State climb_half = descent_from(1, 0.5, 3);
+    climb_half.F = 2;
+    State climb_past_crown = descent_from(1, 0.5, 500);  // supercritical up to the crown and beyond
+    climb_past_crown.F = 2;
+    State near_crown = Conduit(1.2, 0.002);
+    near_crown.Q = near_crown.Qm * 0.999;  // the normal depth above 0.9 D: the march goes on
+    State at_max = Conduit(1.2, 0.002);
+    at_max.Q = at_max.Qm;
+    State half_full = Conduit(0.8, 0.002);
+    half_full.Q = half_full.Qlleno / 2;
+    State tiny = Conduit(0.0015, 0.01);
+    tiny.Q = tiny.Qm / 3;
+    State trickle = Conduit(2, 0.001);
+    trickle.Q = 1e-9;  // critical depth below the first millimetre
+    State banks;
+    banks.n = 0.02;
+    banks.S = 0.001;
+    banks.b = 2;
+    banks.z = 1;
+    banks.h = 1;
+    banks.nz = 0.04;
+    banks.Lleno();
+    banks.Q = 3 * banks.Qb;
+    State no_zone = banks;
+    no_zone.Bz = no_zone.Tb;  // the flood zone has no width
+    State zone = banks;
+    zone.Bz = 30;
+    State first = zone;
+    first.Q = zone.Qb * (1 + 1e-13);
+    State endless = zone;
+    endless.nz = -0.04;
+    endless.n = -0.02;
+    auto flood = [](State& st) { st.Qdesbord(); };
+    const std::vector<Case> cases = {
+        {"descent from a full conduit", full, criticac},
+        {"descent from half full", half, criticac},
+        {"climb from half full", climb_half, criticac},
+        {"climb past the crown", climb_past_crown, criticac},
+        {"normal depth near the crown", near_crown, normal},
+        {"normal depth at the largest discharge", at_max, normal},
+        {"half the full discharge", half_full, normal},
+        {"a conduit of 1.5 mm", tiny, normal},
+        {"a trickle", trickle, normal},
+        {"flood zone as wide as the channel", no_zone, flood},
+        {"flood zone", zone, flood},
+        {"first step over the banks", first, flood},
+        {"march over the banks without end", endless, flood},
+    };
+    for (const auto& c : cases) ExpectIdentical(c.st, c.run, c.what);
+}
+
+namespace {
 
 // Four shards of the random cases, so that a parallel test run spreads them over the cores.
 class PrismaticFastSearches : public ::testing::TestWithParam<int> {};
