@@ -92,9 +92,9 @@ std::string Screen::RecordPosition() const {
 void Screen::OpenWorkbook(const std::string& path) {
     if (!HasData()) raise("Esta pantalla no tiene libro de datos");
     if (!g_opener) raise("No se pueden abrir libros en esta versión");
-    auto source = g_opener(path, sheet_);  // throws Fault with the reason; nothing changes then
-    if (source_ && dirty_) SavePending();  // the record left in the other workbook
-    source_ = std::move(source);
+    // The record left is saved first: the workbook opened next may be the same file.
+    if (source_ && dirty_) SavePending();
+    source_ = g_opener(path, sheet_);  // throws Fault with the reason; the screen keeps its workbook then
     workbook_path_ = source_->Path();
     dirty_ = false;
     record_ = source_->RecordCount() > 0 ? 1 : 0;

@@ -44,6 +44,13 @@ TEST_F(WorkbookTest, SalirAndAChangeOfScreenSaveThePendingRecord) {
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(Cell(file, 1, "Abscisa9"), "777");  // row 9's box, bound to "Abscisa9" like row 8's
     EXPECT_EQ(Cell(file, 1, "Abscisa8"), "660");  // bound to no box
+
+    // Opening the same workbook again saves the record first and reads it back.
+    r = Guion(
+        "pantalla Form2\nlibro rio.xlsx\nescribir Text93 0.05\nlibro rio.xlsx\nregistro 2\nregistro "
+        "1\nmostrar\n");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(nlohmann::json::parse(r.out)["Text93"], "0.05");
 }
 
 TEST_F(WorkbookTest, AnEditThatCannotBeSavedStaysPending) {
