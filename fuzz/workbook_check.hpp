@@ -1,0 +1,140 @@
+// What the workbook fuzz targets check on every workbook they manage to open, and on every failure.
+#pragma once
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "fuzz/fuzz_support.hpp"
+#include "hydraulics/fault.hpp"
+#include "workbook/records.hpp"
+#include "workbook/workbook.hpp"
+
+namespace cauce::fuzz {
+
+// A folder of this process alone (libFuzzer's -jobs runs several), removed when the process ends.
+class PrivateFolder {
+  public:
+    static const PrivateFolder& Get() {
+        static const PrivateFolder folder;
+        return folder;
+    }
+    std::string Path(const std::string& name) const { return (dir_ / name).string(); }
+    std::string Write(const std::string& name, const std::string& bytes) const {
+        const std::string p = Path(name);
+        std::ofstream out(p, std::ios::binary | std::ios::trunc);
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        if (!out) Fail("cannot write " + p);
+        return p;
+    }
+    ~PrivateFolder() {
+        std::error_code ec;
+        std::filesystem::remove_all(dir_, ec);
+    }
+
+  private:
+    PrivateFolder() {
+        const char* tmp = std::getenv("TMPDIR");
+        std::string templ = std::string(tmp && *tmp ? tmp : "/tmp") + "/cauce-fuzz-XXXXXX";
+        if (!::mkdtemp(templ.data())) Fail("mkdtemp " + templ);
+        dir_ = templ;
+    }
+    std::filesystem::path dir_;
+};
+
+// With CAUCE_FUZZ_MENSAJES set, each distinct message (digits left out) is printed once, so that a
+// long run can be read for messages that are not clear Spanish.
+inline void Note(const std::string& message, const std::string& file) {
+    static const bool on = std::getenv("CAUCE_FUZZ_MENSAJES") != nullptr;
+    if (!on) return;
+    static std::set<std::string> seen;
+    std::string shape;
+    for (std::size_t i = 0; i < message.size(); ++i) {
+        if (message.compare(i, file.size(), file) == 0 && !file.empty()) {
+            shape += "ARCHIVO";
+            i += file.size() - 1;
+        } else if (message[i] < '0' || message[i] > '9') {
+            shape += message[i];
+        }
+    }
+    if (seen.insert(shape).second) std::fprintf(stderr, "mensaje: %s\n", shape.c_str());
+}
+
+inline void CheckFault(const Fault& f, const std::string& file) {
+    const std::string m = f.what();
+    if (m.find("\"" + file + "\"") == std::string::npos) Fail("message without the file: " + m);
+    Note(m, file);
+}
+
+inline void CheckNumber(const workbook::Cell& c, const std::string& where) {
+    if (c.kind == workbook::CellKind::Number && !std::isfinite(c.number))
+        Fail(where + " holds a non-finite number");
+    if (c.kind == workbook::CellKind::Number && ShowsNonNumber(workbook::DisplayText(c)))
+        Fail(where + " shows " + workbook::DisplayText(c));
+}
+
+// Every sheet and cell of an open workbook; then the first sheet as records, one cell changed and
+// the package written out and read back.
+inline void ReadWhole(std::unique_ptr<workbook::Workbook> book, const std::string& file) {
+    const std::vector<std::string> names = book->SheetNames();
+    for (const auto& name : names) {
+        const workbook::Sheet* sh = book->FindSheet(name);
+        if (!sh) Fail("sheet listed but not found: " + name);
+        for (const auto& [key, cell] : sh->Values()) {
+            if (!(sh->Get(key.first, key.second) == cell)) Fail("Get differs from Values");
+            CheckNumber(cell, name);
+            (void)sh->IsFormula(key.first, key.second);
+        }
+    }
+    if (names.empty()) return;
+    const workbook::Sheet* first = book->FindSheet(names[0]);
+    std::vector<std::string> columns;
+    if (!first->Values().empty()) {
+        const int header = first->Values().begin()->first.first;
+        for (auto it = first->Values().begin(); it != first->Values().end() && it->first.first == header;
+             ++it)
+            columns.push_back(workbook::DisplayText(it->second));
+    }
+    workbook::SheetRecords records(std::move(book), names[0]);
+    const int count = records.RecordCount();
+    for (int r = 1; r <= count; r = r < 50 ? r + 1 : (r < count ? count : r + 1))
+        for (const auto& col : columns) {
+            if (!records.HasColumn(col)) Fail("header column missing: " + col);
+            (void)records.Get(r, col);
+        }
+    if (count < 1 || columns.empty()) return;
+    records.Set(1, columns[0], "1.5");
+    // A workbook Cauce could read, changed by Cauce, must read back.
+    try {
+        const std::string written = records.Book().Bytes();
+        workbook::SheetRecords back(workbook::Workbook::FromBytes(written, file), names[0]);
+        if (back.Get(1, columns[0]) != "1.5")
+            Fail("the changed cell reads back as " + back.Get(1, columns[0]));
+    } catch (const Fault& f) {
+        Fail(std::string("the package written cannot be read back: ") + f.what());
+    }
+}
+
+// Opens a workbook with open() and reads it whole; any failure must be a Fault naming the file.
+template <typename OpenFn>
+void Expect(const std::string& file, OpenFn open) {
+    try {
+        ReadWhole(open(), file);
+    } catch (const Fault& f) {
+        CheckFault(f, file);
+    } catch (const std::exception& e) {
+        Fail(std::string("not a Fault: ") + e.what());
+    }
+}
+
+}  // namespace cauce::fuzz
