@@ -7,6 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <zip.h>
+
 #include <nlohmann/json.hpp>
 
 #include "hydraulics/fault.hpp"
@@ -79,6 +81,17 @@ std::string ShiftLastLocalHeader(std::string z) {
     return z;
 }
 
+// A copy of the file with one part's text replaced.
+void ReplacePart(const fs::path& from, const fs::path& to, const char* part, const std::string& text) {
+    fs::copy_file(from, to);
+    int err = 0;
+    zip_t* z = zip_open(to.c_str(), 0, &err);
+    ASSERT_NE(z, nullptr);
+    zip_source_t* src = zip_source_buffer(z, text.data(), text.size(), 0);
+    ASSERT_GE(zip_file_add(z, part, src, ZIP_FL_OVERWRITE), 0);
+    ASSERT_EQ(zip_close(z), 0);
+}
+
 std::string Half(const std::string& s) {
     return s.substr(0, s.size() / 2);
 }
@@ -127,6 +140,15 @@ const OpenCase kOpenCases[] = {
                 " está dañado: una parte del archivo zip es incoherente (¿está dañado?) (parte [Content_Types].xml). "
                 "El archivo no se modificó.";
      }},
+    // The parser's complaint comes in Spanish, with where it is.
+    {"xml_not_well_formed",
+     [](const fs::path& f) { ReplacePart(kRios, f, "xl/workbook.xml", "<workbook><sheets></workbook>"); },
+     [](const fs::path& f) {
+         return "El libro " + Q(f) +
+                " está dañado: la parte xl/workbook.xml no es XML válido (una etiqueta de cierre no corresponde a "
+                "la que abre, posición ";
+     },
+     false},
     {"legacy_garbage",
      [](const fs::path& f) {
          Spit(f, std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(600, '\x07'));
