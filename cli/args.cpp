@@ -1,8 +1,13 @@
 #include "cli/args.hpp"
 
+#ifdef _WIN32
+#include <io.h>
+#else
 #include <unistd.h>
+#endif
 
 #include <charconv>
+#include <cstdio>
 #include <cmath>
 
 namespace cauce::cli {
@@ -61,6 +66,12 @@ std::string CsvField(std::string_view text) {
     return out + "\"";
 }
 
-bool ErrorIsTerminal() { return ::isatty(STDERR_FILENO) == 1; }
+bool ErrorIsTerminal() {
+#ifdef _WIN32
+    return _isatty(_fileno(stderr)) != 0;
+#else
+    return ::isatty(STDERR_FILENO) == 1;
+#endif
+}
 
 }  // namespace cauce::cli

@@ -1,7 +1,5 @@
 #include "cli/offscreen.hpp"
 
-#include <unistd.h>
-
 #include <QApplication>
 #include <QFile>
 #include <QFileInfo>
@@ -28,7 +26,7 @@ std::unique_ptr<QApplication> StartOffscreen() {
     if (QCoreApplication::instance()) return nullptr;
     // The commands never show a window: the offscreen platform draws the same without a display, and
     // a DISPLAY that points nowhere cannot stop them. A platform the user chose is respected.
-    if (!std::getenv("QT_QPA_PLATFORM")) ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(QuietMessages);
     static int argc = 1;
     static char name[] = "cauce";
