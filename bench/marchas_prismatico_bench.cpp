@@ -143,6 +143,34 @@ void BM_ConductoYc_D1_5_Newton(benchmark::State& s) {
     NewtonCritical(s, 1.5, 0.45);
 }
 
+// A rating curve of the 1.5 m conduit: normal and critical depths for 40 discharges from 2 % to 99 %
+// of the largest, each search starting afresh (the time is per discharge).
+void RatingCurve(benchmark::State& state, bool literal) {
+    State st = Conduit(1.5, 0.45, literal);
+    const double qm = st.Qm;
+    double sum = 0;
+    for (auto _ : state) {
+        for (int k = 0; k < 40; ++k) {
+            st.Q = qm * (0.02 + 0.97 * k / 39);
+            st.Circular();
+            st.Final();
+            st.Criticac();
+            sum += st.Yn + st.Yc;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * 40);
+    state.counters["por caudal"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * 40,
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+void BM_CurvaConducto_Literal(benchmark::State& s) {
+    RatingCurve(s, true);
+}
+void BM_CurvaConducto_Rapido(benchmark::State& s) {
+    RatingCurve(s, false);
+}
+
 // A trapezoid b 3, z 1.5, banks 1.5 m, flood zone 40 m wide, at twenty times bank-full.
 void Flood(benchmark::State& state, bool literal) {
     State st;
@@ -178,6 +206,8 @@ BENCHMARK(BM_ConductoYn5m_Newton)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ConductoYc_D1_5_Literal)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ConductoYc_D1_5_Rapido)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ConductoYc_D1_5_Newton)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_CurvaConducto_Literal)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_CurvaConducto_Rapido)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ZonaInundable_Literal)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ZonaInundable_Rapido)->Unit(benchmark::kMicrosecond);
 

@@ -81,7 +81,7 @@ bool State::CircularFast(double qc) {
     if (!(qc < Q && Q > 0 && std::isfinite(Q) && S > 0 && n > 0 && D > 0 && D <= kLargestFastDiameter))
         return false;
     const double start = y, top = 0.9 * D;
-    const double span = std::floor((top - start) / 0.001) - 2;
+    const double span = std::floor((top - start) / 0.001) - 2;  // see kLargestFastDiameter
     if (!(span >= 0)) return false;
     const auto last = static_cast<std::int64_t>(std::min(span, static_cast<double>(kMarchBudget - 1)));
     thread_local AccumulationCache cache(0.001);
@@ -89,7 +89,6 @@ bool State::CircularFast(double qc) {
     std::int64_t stop, reached_at = -1;
     ConduitAt at{};  // the last step found to reach Q: where the search ends when it finds one
     try {
-        if (!(steps.At(last) <= top)) return false;
         const double guess = NormalDepthGuess(D, std::sqrt(S) / n, Q, top);
         stop = FirstReachedNear(0, last, StepNear((guess - start) / 0.001, 0, last), [&](std::int64_t j) {
             const ConduitAt here = ConduitAtDepth(*this, steps.At(j));

@@ -99,7 +99,7 @@ bool State::ClimbFast() {
     const Trusted trusted = TrustedDepths(D);
     const double start = y;
     if (!(start >= trusted.lo && start <= trusted.hi)) return false;
-    const double span = std::floor((trusted.hi - start) / 0.001) - 2;
+    const double span = std::floor((trusted.hi - start) / 0.001) - 2;  // see kLargestFastDiameter
     if (!(span >= 0)) return false;
     const auto last = static_cast<std::int64_t>(std::min(span, static_cast<double>(kMarchBudget - 1)));
     thread_local AccumulationCache cache(0.001);
@@ -107,7 +107,6 @@ bool State::ClimbFast() {
     ConduitStep found;
     std::int64_t stop;
     try {
-        if (!(steps.At(last) <= trusted.hi)) return false;
         const double guess = (CriticalDepthGuess(D, Q) - start) / 0.001;
         stop = FirstReachedNear(0, last, StepNear(guess, 0, last), [&](std::int64_t j) {
             const ConduitStep here = StepAt(*this, j, steps.At(j));
@@ -154,7 +153,7 @@ bool State::DescentFast(std::int64_t guess) {
     const Trusted trusted = TrustedDepths(D);
     const double start = y;
     if (!(start >= trusted.lo && start <= trusted.hi)) return false;
-    const double span = std::floor((start - trusted.lo) / 0.001) - 2;
+    const double span = std::floor((start - trusted.lo) / 0.001) - 2;  // see kLargestFastDiameter
     if (!(span >= 0)) return false;
     const auto last = static_cast<std::int64_t>(std::min(span, static_cast<double>(kMarchBudget - 1)));
     thread_local AccumulationCache cache(-0.001);
@@ -162,7 +161,6 @@ bool State::DescentFast(std::int64_t guess) {
     ConduitStep found;
     std::int64_t stop;
     try {
-        if (!(steps.At(last) >= trusted.lo)) return false;
         if (guess < 0) guess = StepNear((start - CriticalDepthGuess(D, Q)) / 0.001, 0, last);
         stop = FirstReachedNear(0, last, guess, [&](std::int64_t i) {
             const ConduitStep here = StepAt(*this, i, steps.At(i));
