@@ -132,6 +132,15 @@ void Screen::Fill() {
     dirty_ = false;
 }
 
+void Screen::NotAnEdit(std::string_view name) {
+    const auto it = filled_.find(name);
+    if (it == filled_.end()) return;
+    it->second = Get(name).text;
+    dirty_ = false;
+    for (const auto& [box, text] : filled_)
+        if (Get(box).text != text) dirty_ = true;
+}
+
 void Screen::WriteRecord() {
     for (const auto& c : controls_) {
         if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;

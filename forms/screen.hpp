@@ -74,6 +74,10 @@ protected:
     void OnClick(std::string name, std::function<void()> handler);
     void Close() { closed_ = true; }
     void BindSheet(std::string sheet) { sheet_ = std::move(sheet); }
+    // The box's present text is not an edit of the record and is not written back: a layout reset
+    // that clears the data boxes, or a result shown in a box that the record binds to another column,
+    // must not overwrite the user's data when the record is left.
+    void NotAnEdit(std::string_view name);
 
 private:
     Control& Mut(std::string_view name);

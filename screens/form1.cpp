@@ -226,8 +226,13 @@ void Form1::FormLoad() {
     for (int c = 4; c <= 7; ++c) Set("Command" + std::to_string(c), "");
 }
 
+// Choosing a type clears the data boxes. Unlike the legacy screen, the cleared boxes are not taken
+// as edits of the bound record: leaving the record afterwards does not blank its cells.
 void Form1::Inicial1() {
-    for (int t = 1; t <= 9; ++t) Set(T(t), "");
+    for (int t = 1; t <= 9; ++t) {
+        Set(T(t), "");
+        NotAnEdit(T(t));
+    }
 }
 
 void Form1::Inicial2() {
@@ -455,6 +460,7 @@ void Form1::Maximo() {
     Set("Label6", "Yn/D");
     Set("Label7", "Vn/Vlleno");
     Set("Text4", Format(st_.Qlleno, "0.000"));
+    NotAnEdit("Text4");  // the conduit's full discharge is not the record's side slope
     Set("Text5", Format(st_.Qm, "0.000"));
 }
 
@@ -484,6 +490,7 @@ void Form1::Clleno() {
         Set(L(l), "");
         Set(T(l), "");
     }
+    NotAnEdit("Text4");
     Set("Text26", Format(st_.F, "0.000"));
 }
 
