@@ -62,7 +62,9 @@ bool State::CriticaFast(int s, double fr) {
         const double t0 = T(s, k - 1), a0 = Acum(s, k - 1), mm = m(s, k);
         const double top = Z(s, k) - Z(s, k - 1);
         if (!(Qc > 0 && top > 0 && t0 >= 0 && a0 >= 0 && mm >= 0 && 3 * t0 * t0 >= 2 * mm * a0)) return false;
-        Accumulation steps(top, -0.001);  // h = h - 0.001 from the top of the band
+        // h = h - 0.001 from the top of the band, kept while the band stays the same.
+        thread_local AccumulationCache cache(-0.001);
+        Accumulation& steps = cache.From(top);
         auto depth = [&steps](std::int64_t j) { return steps.At(j); };
         // Steps that surely leave water in the band (the accumulated steps stray from j x 0.001 by
         // far less than a step); a crossing below them is left to the march.
