@@ -1,8 +1,13 @@
 // Every screen under random typing and clicking: no crash, no sanitizer report, no box or label
-// showing inf or nan that the fuzzer did not type itself, and every click returns (the marches'
-// step budgets end them). The input is read as a program: a screen, then operations.
+// showing inf or nan that the fuzzer did not type itself, and every click finishes within its step
+// budget: the marches' budgets end a click, and one that still runs for seconds of processor time
+// (CAUCE_FUZZ_CLIC_SEGUNDOS, 3 unless set) is a failure that names the screen, the button and what
+// was typed. The input is read as a program: a screen, then operations.
+#include <time.h>
+
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,12 +19,12 @@
 namespace {
 
 // Texts the fuzzer types besides random bytes: numbers an engineer might enter and edge values.
-const char* const kTexts[] = {"0",     "1",    "2",     "100",   "100.5", "101",  "102",   "0.015", "0.03",
-                              "0.001", "0.05", "-1",    "1e300", "1e-300", "",    "2,5",   "51",    "50",
-                              "3",     "15",   "0.94",  "1000",  "28",    "182",  "0.0001", "30",   "-0.001"};
+const char* const kTexts[] = {"0",     "1",    "2",    "100",   "100.5",  "101", "102",    "0.015", "0.03",
+                              "0.001", "0.05", "-1",   "1e300", "1e-300", "",    "2,5",    "51",    "50",
+                              "3",     "15",   "0.94", "1000",  "28",     "182", "0.0001", "30",    "-0.001"};
 
 class Reader {
-public:
+  public:
     Reader(const std::uint8_t* d, std::size_t n) : d_(d), n_(n) {}
     bool more() const { return p_ < n_; }
     std::uint8_t byte() { return p_ < n_ ? d_[p_++] : 0; }
@@ -31,10 +36,25 @@ public:
         return s;
     }
 
-private:
+  private:
     const std::uint8_t* d_;
     std::size_t n_, p_ = 0;
 };
+
+// Processor time of this thread: other work on the machine does not count against a click.
+double CpuSeconds() {
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + 1e-9 * static_cast<double>(t.tv_nsec);
+}
+
+double ClickLimit() {
+    static const double limit = [] {
+        const char* s = std::getenv("CAUCE_FUZZ_CLIC_SEGUNDOS");
+        return s && std::atof(s) > 0 ? std::atof(s) : 3.0;
+    }();
+    return limit;
+}
 
 }  // namespace
 
@@ -54,7 +74,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             typed[box] = r.text();
             screen->Type(box, typed[box]);
         } else if (!buttons.empty()) {
-            screen->Click(buttons[r.byte() % buttons.size()]);
+            const std::string& button = buttons[r.byte() % buttons.size()];
+            const double start = CpuSeconds();
+            screen->Click(button);
+            if (const double took = CpuSeconds() - start; took > ClickLimit()) {
+                std::string what = screen->Name() + " " + button + " took " + std::to_string(took) + " s;";
+                for (const auto& [box, text] : typed) what += " " + box + "=" + text;
+                cauce::fuzz::Fail(what);
+            }
             for (const auto& c : screen->Controls()) {
                 const auto t = typed.find(c.name);
                 if (t != typed.end() && t->second == c.text) continue;
