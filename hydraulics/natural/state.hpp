@@ -20,8 +20,9 @@ inline constexpr const char* kAnchoMenor = "El ancho B no puede ser menor que Tn
 
 enum class TableError { None, Cotas, Anchos };
 
-// Step caps: a real channel needs a few thousand steps; these allow depths of kilometres.
-inline constexpr long long kMarchBudget = 5'000'000;
+// Step cap of every march: a real channel needs a few thousand steps; this allows a kilometre of depth
+// in 1 mm steps (two in 2 mm steps), and a click that runs it out still ends within a second.
+inline constexpr long long kMarchBudget = 1'000'000;
 
 struct State {
     // Section table and the cumulative level tables built from it (sections 0..50, levels 0..20).

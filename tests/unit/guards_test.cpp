@@ -153,6 +153,13 @@ Steps TwoSectionReach() {
          {"Text1=100.1", "Text3=103.1", "Command2", "Text62=2", "Text1=100", "Text3=103", "Command2"}});
 }
 
+Steps TwoSectionReachForm3() {
+    return Join({{"Text61=2", "Text62=1", "Text131=0"},
+                 Rectangle("Text123", "Text124", "Text125", "6"),
+                 {"Text1=100.1", "Text3=103.1", "Command2", "Text62=2", "Text131=100", "Text1=100",
+                  "Text3=103", "Command2"}});
+}
+
 const char* const kEndless =
     "El cálculo del perfil no termina: la distancia no alcanza la longitud del tramo ni el tirante su límite "
     "(revise la sección, la pendiente y el caudal)";
@@ -280,18 +287,26 @@ const std::vector<Guard>& Cases() {
          {"Text62=1", "Command2"},
          {{"Text129", kRectYn, 0.007}, {"Text130", kRectYc, 0.007}},
          {}},
-        // A profile that would march 1 km of depth down a 10,000 km reach: stopped at 500 m.
-        // Form3 runs the same march; there the last section's chainage cannot be corrected once its
-        // "(Y?)" has handed over to "Perfiles", so it is not repeated.
+        // A start depth so large that a 5 mm step leaves it as it is: the energy never changes, the
+        // distance never grows (the legacy march never ended).
         {"EndlessProfileForm2",
          "Form2",
-         Join({TwoSectionReach(), {"Text31=0", "Text33=1e7", "Text98=1000"}}),
+         Join({TwoSectionReach(), {"Text31=0", "Text33=100", "Text98=1e17"}}),
          "Command1",
          kEndless,
          {{"Text63", ""}},
-         {"Text33=100", "Text98=2", "Command1"},
+         {"Text98=2", "Command1"},
          {{"Text64", 102.0, 0.001}, {"Text63", 100.1 + kBackwater, 0.005 + 0.006}},
          {{"Text34", "M1"}}},
+        {"EndlessProfileForm3",
+         "Form3",
+         Join({TwoSectionReachForm3(), {"Text128=1e17"}}),
+         "Command1",
+         kEndless,
+         {{"Text76", ""}},
+         {"Text128=2", "Command1"},
+         {{"Text77", 102.0, 0.001}, {"Text76", 100.1 + kBackwater, 0.005 + 0.006}},
+         {}},
     };
     return cases;
 }
