@@ -2,15 +2,40 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <string>
 
 namespace cauce::workbook {
 
 std::string NumberText(double x) {
     if (x == 0) return "0";  // no "-0"
-    char buf[32];
-    const auto [end, ec] = std::to_chars(buf, buf + sizeof buf, x);
+    // The shortest digits that read back the same double, written out in plain decimals as a
+    // spreadsheet shows them ("0.0008", not "8e-04") unless the number is very small or very large.
+    char buf[40];
+    const auto [end, ec] = std::to_chars(buf, buf + sizeof buf, x, std::chars_format::scientific);
     if (ec != std::errc()) return "0";
-    return std::string(buf, end);
+    const std::string sci(buf, end);
+    const auto epos = sci.find('e');
+    const int exp10 = std::atoi(sci.c_str() + epos + 1);
+    if (exp10 < -10 || exp10 >= 15) {
+        char out[40];
+        const auto r = std::to_chars(out, out + sizeof out, x);
+        std::string text(out, r.ptr);
+        for (char& c : text) c = c == 'e' ? 'E' : c;
+        return text;
+    }
+    std::string digits;
+    for (std::size_t p = 0; p < epos; ++p)
+        if (sci[p] >= '0' && sci[p] <= '9') digits += sci[p];
+    std::string text;
+    if (exp10 < 0) {
+        text = "0." + std::string(static_cast<std::size_t>(-exp10 - 1), '0') + digits;
+    } else if (static_cast<int>(digits.size()) <= exp10 + 1) {
+        text = digits + std::string(static_cast<std::size_t>(exp10 + 1) - digits.size(), '0');
+    } else {
+        text = digits.substr(0, static_cast<std::size_t>(exp10 + 1)) + "." + digits.substr(static_cast<std::size_t>(exp10 + 1));
+    }
+    return x < 0 ? "-" + text : text;
 }
 
 std::optional<double> NumberFromText(std::string_view s) {
