@@ -25,7 +25,8 @@ int main(int argc, char** argv) {
         "  escribir CONTROL TEXTO   escribe TEXTO en el cuadro CONTROL\n"
         "  oprimir CONTROL          oprime el botón CONTROL\n"
         "  libro RUTA               enlaza Data1 con el libro RUTA\n"
-        "  registro N               va al registro N (guarda el que deja)\n"
+        "  registro N               va al registro N (guarda el que deja); también\n"
+        "                           primero, anterior, siguiente, último\n"
         "  mostrar                  imprime el estado de la pantalla en JSON\n"
         "Ejemplo:\n"
         "  printf 'pantalla Form2\\nescribir Text1 100\\nmostrar\\n' | cauce guion");
