@@ -1,6 +1,9 @@
 // What the workbook fuzz targets check on every workbook they manage to open, and on every failure.
 #pragma once
 
+#include <pthread.h>
+#include <sanitizer/common_interface_defs.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -44,6 +47,12 @@ class PrivateFolder {
 
   private:
     PrivateFolder() {
+        // A legacy .xls is read in a child process, which freexl may bring down: that is the
+        // program's business, not a finding. The child must not write libFuzzer's crash file.
+        pthread_atfork(nullptr, nullptr, [] {
+            __sanitizer_set_death_callback(nullptr);
+            for (int sig : {SIGABRT, SIGSEGV, SIGBUS, SIGILL, SIGFPE}) signal(sig, SIG_DFL);
+        });
         const char* tmp = std::getenv("TMPDIR");
         std::string templ = std::string(tmp && *tmp ? tmp : "/tmp") + "/cauce-fuzz-XXXXXX";
         if (!::mkdtemp(templ.data())) Fail("mkdtemp " + templ);

@@ -98,15 +98,18 @@ Package::Package(std::string bytes, std::string file)
         const char* name = zip_get_name(zip_->za, static_cast<zip_uint64_t>(i), 0);
         if (!name) raise(Damaged(file_, "una parte no tiene nombre"));
         names_.emplace_back(name);
-        // Parts Cauce never reads are copied as they are when saving, which needs their headers
-        // whole: a workbook that could not be saved is refused now, before any work is done on it.
-        // The local header is only looked at when the first byte is read.
+        // Parts Cauce never reads are copied as they are when saving, which needs their headers whole
+        // and their stored bytes inside the file: a workbook that could not be saved is refused now,
+        // before any work is done on it. Reading them still compressed checks both.
         zip_file_t* f = zip_fopen_index(zip_->za, static_cast<zip_uint64_t>(i), ZIP_FL_COMPRESSED);
         if (!f)
             raise(Damaged(file_,
                           ZipReason(zip_error_code_zip(zip_get_error(zip_->za))) + " (parte " + name + ")"));
-        char first;
-        if (zip_fread(f, &first, 1) < 0) {
+        char buf[65536];
+        zip_int64_t got = 0;
+        while ((got = zip_fread(f, buf, sizeof buf)) > 0) {
+        }
+        if (got < 0) {
             const int code = zip_error_code_zip(zip_file_get_error(f));
             zip_fclose(f);
             raise(Damaged(file_, ZipReason(code) + " (parte " + name + ")"));

@@ -9,6 +9,8 @@
 
 #include <zip.h>
 
+#include <functional>
+
 #include <nlohmann/json.hpp>
 
 #include "hydraulics/fault.hpp"
@@ -64,10 +66,13 @@ TEST_P(BadWorkbook, IsRefusedWithItsMessageAndLeftAsItWas) {
     }
 }
 
-// The package with the local header of its last part placed 3 bytes early in the central directory:
-// the part's data no longer starts where its header says.
-std::string ShiftLastLocalHeader(std::string z) {
-    auto u16 = [&](std::size_t p) { return static_cast<unsigned>(static_cast<unsigned char>(z[p])) | static_cast<unsigned>(static_cast<unsigned char>(z[p + 1])) << 8; };
+// The package with one 32-bit field of its last part's central directory entry changed: at 20 the
+// compressed size, at 42 the place of the local header.
+std::string EditLastEntry(std::string z, std::size_t field, const std::function<unsigned(unsigned)>& change) {
+    auto u16 = [&](std::size_t p) {
+        return static_cast<unsigned>(static_cast<unsigned char>(z[p])) |
+               static_cast<unsigned>(static_cast<unsigned char>(z[p + 1])) << 8;
+    };
     auto u32 = [&](std::size_t p) { return u16(p) | u16(p + 2) << 16; };
     const std::size_t eocd = z.size() - 22;
     EXPECT_EQ(z.compare(eocd, 4, "PK\x05\x06"), 0);
@@ -76,8 +81,8 @@ std::string ShiftLastLocalHeader(std::string z) {
         last = p;
         p += 46 + u16(p + 28) + u16(p + 30) + u16(p + 32);
     }
-    const unsigned offset = u32(last + 42) - 3;
-    for (int b = 0; b < 4; ++b) z[last + 42 + b] = static_cast<char>(offset >> (8 * b) & 0xFF);
+    const unsigned value = change(u32(last + field));
+    for (int b = 0; b < 4; ++b) z[last + field + b] = static_cast<char>(value >> (8 * b) & 0xFF);
     return z;
 }
 
@@ -134,18 +139,29 @@ const OpenCase kOpenCases[] = {
      },
      [](const fs::path& f) { return "El libro " + Q(f) + " está dañado: "; }, false},
     // A part Cauce never reads but copies when saving: refused on opening, not when saving the work.
-    {"unread_part_misplaced", [](const fs::path& f) { Spit(f, ShiftLastLocalHeader(Slurp(kRios))); },
+    {"unread_part_misplaced",
+     [](const fs::path& f) { Spit(f, EditLastEntry(Slurp(kRios), 42, [](unsigned v) { return v - 3; })); },
      [](const fs::path& f) {
          return "El libro " + Q(f) +
-                " está dañado: una parte del archivo zip es incoherente (¿está dañado?) (parte [Content_Types].xml). "
+                " está dañado: una parte del archivo zip es incoherente (¿está dañado?) (parte "
+                "[Content_Types].xml). "
                 "El archivo no se modificó.";
+     }},
+    {"unread_part_past_the_end",
+     [](const fs::path& f) { Spit(f, EditLastEntry(Slurp(kRios), 20, [](unsigned) { return 1u << 20; })); },
+     [](const fs::path& f) {
+         return "El libro " + Q(f) +
+                " está dañado: el archivo termina antes de tiempo (está truncado) (parte "
+                "[Content_Types].xml). El "
+                "archivo no se modificó.";
      }},
     // The parser's complaint comes in Spanish, with where it is.
     {"xml_not_well_formed",
      [](const fs::path& f) { ReplacePart(kRios, f, "xl/workbook.xml", "<workbook><sheets></workbook>"); },
      [](const fs::path& f) {
          return "El libro " + Q(f) +
-                " está dañado: la parte xl/workbook.xml no es XML válido (una etiqueta de cierre no corresponde a "
+                " está dañado: la parte xl/workbook.xml no es XML válido (una etiqueta de cierre no "
+                "corresponde a "
                 "la que abre, posición ";
      },
      false},
@@ -190,7 +206,8 @@ TEST_F(WorkbookTest, LegacyReaderFaultStaysOutOfTheProgram) {
     try {
         (void)workbook::Workbook::Open(file)->SheetNames();
     } catch (const Fault& f) {
-        EXPECT_EQ(std::string(f.what()).rfind("No se puede leer el libro antiguo " + Q(file) + ": ", 0), 0u) << f.what();
+        EXPECT_EQ(std::string(f.what()).rfind("No se puede leer el libro antiguo " + Q(file) + ": ", 0), 0u)
+            << f.what();
     }
     EXPECT_EQ(Slurp(file), before);
     const fs::path good = Dir() / "bueno.xls";
