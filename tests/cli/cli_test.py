@@ -265,18 +265,16 @@ class FormatosTest(Scratch):
         self.assertEqual((reach["hoja"], reach["pantalla"], reach["n_secciones"]), ("secciones ", "Form3", 10))
         self.assertIsNone(reach["error"])
         self.assertFalse(reach["guardado"])
-        for s in reach["secciones"]:
-            self.assertIsInstance(s["yn"], float)
-            self.assertIsInstance(s["desborda"], bool)
-        for p in reach["perfil"]:
-            self.assertIsInstance(p["z_agua"], float)
-            self.assertIsInstance(p["ysoc"], float)
+        self.assertTrue(all(isinstance(s["yn"], float) and isinstance(s["desborda"], bool) for s in reach["secciones"]))
+        self.assertTrue(all(isinstance(p["z_agua"], float) and isinstance(p["ysoc"], float) for p in reach["perfil"]))
 
-    def test_text_has_both_tables(self):
+    def test_text_for_people(self):
         out = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8")
-        self.assertIn("Resultados por sección", out)
-        self.assertIn("Perfil de la superficie del agua", out)
-        self.assertIn("Y inicial: 1.8 m", out)
+        for part in ("Resultados por sección", "Perfil de la superficie del agua", "Y inicial: 1.8 m"):
+            self.assertIn(part, out)
+        out = self.ok("canal", "--base", "2", "--talud", "1", "--rugosidad", "0.015", "--pendiente", "0.001",
+                      "--altura", "1", "--ancho-zona", "20", "--rugosidad-zona", "0.035", "--caudal", "15")
+        self.assertIn("Mensaje: HAY DESBORDAMIENTO", out)
 
 
 class GuardarTest(Scratch):
@@ -317,51 +315,30 @@ class UniformeTest(Scratch):
         return {r["nombre"]: r["valores"] for r in json.loads(out)["resultados"]}
 
     def test_channel_matches_the_screen(self):
-        cases = [  # options, boxes, button
-            (["--base", "2", "--talud", "1.5", "--rugosidad", "0.015", "--pendiente", "0.001", "--caudal", "5"],
-             [("Text1", "0.015"), ("Text2", "0.001"), ("Text3", "2"), ("Text4", "1.5"), ("Text8", "5")], "Command4"),
-            (["--base", "3", "--talud", "0", "--rugosidad", "0.013", "--pendiente", "0.002", "--tirante", "0.8"],
-             [("Text1", "0.013"), ("Text2", "0.002"), ("Text3", "3"), ("Text4", "0"), ("Text9", "0.8")], "Command5"),
-            (["--base", "2", "--talud", "1", "--rugosidad", "0.015", "--pendiente", "0.001", "--altura", "1",
-              "--ancho-zona", "20", "--rugosidad-zona", "0.035", "--caudal", "15"],
-             [("Text1", "0.015"), ("Text2", "0.001"), ("Text3", "2"), ("Text4", "1"), ("Text5", "1"),
-              ("Text6", "20"), ("Text7", "0.035"), ("Text8", "15")], "Command4"),
+        option_of = {"Text1": "--rugosidad", "Text2": "--pendiente", "Text3": "--base", "Text4": "--talud",
+                     "Text5": "--altura", "Text6": "--ancho-zona", "Text7": "--rugosidad-zona", "Text8": "--caudal",
+                     "Text9": "--tirante"}
+        box_of = {"Caudal Q": "Text8", "Profundidad Yn": "Text9", "Ancho T": "Text10", "Velocidad Vn": "Text11",
+                  "Froude": "Text26", "Y critica Yc": "Text12", "V critica Vc": "Text13"}
+        cases = [  # boxes typed on Form1, button
+            ({"Text1": "0.015", "Text2": "0.001", "Text3": "2", "Text4": "1.5", "Text8": "5"}, "Command4"),
+            ({"Text1": "0.013", "Text2": "0.002", "Text3": "3", "Text4": "0", "Text9": "0.8"}, "Command5"),
+            ({"Text1": "0.015", "Text2": "0.001", "Text3": "2", "Text4": "1", "Text5": "1", "Text6": "20",
+              "Text7": "0.035", "Text8": "15"}, "Command4"),
         ]
-        for options, boxes, button in cases:
-            with self.subTest(options=options):
-                shown = self.form1("Command1", boxes, button)
+        for boxes, button in cases:
+            with self.subTest(boxes=boxes):
+                shown = self.form1("Command1", boxes.items(), button)
+                options = [word for box, v in boxes.items() for word in (option_of[box], v)]
                 out = json.loads(self.ok("canal", *options, "--formato", "json"))
-                values = {r["nombre"]: r["valores"] for r in out["resultados"]}
+                values = self.results(json.dumps(out))
                 self.assertEqual(out["seccion"], shown["Command1"])
                 self.assertEqual(out["mensaje"] or "", shown["Label21"])
-                boxes_of = {"Caudal Q": "Text8", "Profundidad Yn": "Text9", "Ancho T": "Text10",
-                            "Velocidad Vn": "Text11", "Froude": "Text26", "Y critica Yc": "Text12",
-                            "V critica Vc": "Text13"}
-                for name, box in boxes_of.items():
+                for name, box in box_of.items():
                     if shown[box] == "":
                         self.assertNotIn(name, values)
                     else:
-                        self.assertTrue(same(values[name][0], shown[box]), "%s: %r %r" % (name, values[name],
-                                                                                         shown[box]))
-
-    def test_normal_depth_against_a_bisection(self):
-        cases = [  # b, z, n, S, Q
-            (2, 0, 0.015, 0.001, 1),
-            (2, 1.5, 0.015, 0.001, 5),
-            (0, 2, 0.02, 0.005, 0.8),
-            (5, 0.5, 0.03, 0.0004, 12),
-        ]
-        for b, z, n, s, q in cases:
-            with self.subTest(b=b, z=z, q=q):
-                out = self.results(self.ok("canal", "--base", str(b), "--talud", str(z), "--rugosidad", str(n),
-                                           "--pendiente", str(s), "--caudal", str(q), "--formato", "json"))
-                yn = manning_depth(q, b, z, n, s)
-                # The fixed-point iteration stops within 0.0001 m; the screen shows two decimals.
-                self.assertLessEqual(abs(out["Profundidad Yn"][0] - yn), 0.0051 + 1e-4)
-                # Critical depth of a rectangle: (Q^2 / (g b^2))^(1/3).
-                if z == 0:
-                    yc = (q * q / (9.81 * b * b)) ** (1 / 3)
-                    self.assertLessEqual(abs(out["Y critica Yc"][0] - yc), 0.0051 + 1e-4)
+                        self.assertTrue(same(values[name][0], shown[box]), (name, values[name], shown[box]))
 
     def test_conduit_full_discharge_by_hand(self):
         # Qlleno = sqrt(S) (D/4)^0.66667 (3.1416 D^2 / 4) / n, the screen's constants.
@@ -375,19 +352,9 @@ class UniformeTest(Scratch):
                                     "--caudal", repr(qlleno / 2), "--formato", "json"))
         self.assertEqual(half["Profundidad Yn"][0], round(d / 2, 2))
         self.assertEqual(half["Yn/D"][0], 0.5)
-
-    def test_full_conduit_message(self):
-        out = json.loads(self.ok("tubo", "--diametro", "0.9", "--rugosidad", "0.013", "--pendiente", "0.002",
-                                 "--tirante", "0.9", "--formato", "json"))
-        self.assertEqual(out["mensaje"], "Tubo lleno")
-
-    def test_text_output_has_the_screens_captions(self):
-        out = self.ok("canal", "--base", "2", "--talud", "1", "--rugosidad", "0.015", "--pendiente", "0.001",
-                      "--altura", "1", "--ancho-zona", "20", "--rugosidad-zona", "0.035", "--caudal", "15")
-        for caption in ("Canal principal", "Planicie inundable", "Profundidad Yn", "Y critica Yc",
-                        "Mensaje: HAY DESBORDAMIENTO", "Yc > h"):
-            self.assertIn(caption, out)
-
+        full = json.loads(self.ok("tubo", "--diametro", str(d), "--rugosidad", str(n), "--pendiente", str(s),
+                                  "--tirante", str(d), "--formato", "json"))
+        self.assertEqual(full["mensaje"], "Tubo lleno")
 
 class CurvaTest(Scratch):
     """cauce curva: the same numbers as single computations, rising with the discharge."""
@@ -402,8 +369,6 @@ class CurvaTest(Scratch):
         for r in rows[::4]:
             single = self.results(self.ok("canal", *channel, "--caudal", r["caudal_m3s"], "--formato", "json"))
             self.assertEqual(float(r["yn_m"]), single["Profundidad Yn"][0])
-            self.assertLessEqual(abs(float(r["yn_m"]) - manning_depth(float(r["caudal_m3s"]), 2, 1.5, 0.015, 0.001)),
-                                 0.0052)
 
     results = UniformeTest.results
 
@@ -606,17 +571,12 @@ class ProgresoTest(Scratch):
         master, slave = pty.openpty()
         proc = subprocess.Popen([CAUCE, *args], cwd=self.dir, env=self.env, stdout=subprocess.PIPE, stderr=slave)
         os.close(slave)
-        seen = b""
-        while True:
-            ready, _, _ = select.select([master], [], [], 60)
-            if not ready:
-                break
+        seen, chunk = b"", b"-"
+        while chunk and select.select([master], [], [], 60)[0]:
             try:
                 chunk = os.read(master, 4096)
-            except OSError:
-                break
-            if not chunk:
-                break
+            except OSError:  # the other end closed
+                chunk = b""
             seen += chunk
         out, _ = proc.communicate(timeout=60)
         os.close(master)
