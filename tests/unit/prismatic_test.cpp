@@ -7,16 +7,12 @@
 #include <cmath>
 #include <functional>
 #include <string>
-#include <type_traits>
-#include <vector>
 
-#include "forms/format.hpp"
 #include "hydraulics/prismatic/state.hpp"
 
 using cauce::Fault;
 using cauce::prismatic::ConduitFigure;
 using cauce::prismatic::FloodStatus;
-using cauce::prismatic::SectionType;
 using cauce::prismatic::State;
 
 namespace {
@@ -69,21 +65,6 @@ double TrapezoidQ(const State& st, double y) {
 }
 
 }  // namespace
-
-TEST(PrismaticSection, TypeFromBottomWidthAndSideSlope) {
-    struct Case {
-        double b, z;
-        SectionType type;
-    };
-    const Case cases[] = {
-        {2, 1, SectionType::Trapezoidal},
-        {0, 1.5, SectionType::Triangular},
-        {2, 0, SectionType::Rectangular},
-        {0, 0, SectionType::Rectangular},  // the later test wins; the callers refuse b + z = 0
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(Channel(0.015, 0.001, c.b, c.z).Datos(), c.type) << c.b << " " << c.z;
-}
 
 TEST(PrismaticNormal, NormalDepthMatchesABisectionOfManning) {
     struct Case {
@@ -155,24 +136,14 @@ TEST(PrismaticCritica, CriticalDepthMatchesTheClosedForms) {
         EXPECT_NEAR(st.Yc, c.yc, 2e-4) << c.what;
         EXPECT_NEAR(st.Vc, c.Q / ((c.b + c.z * c.yc) * c.yc), 2e-3) << c.what;
     }
-    State st = Channel(0.015, 0.001, 2, 0);
-    st.Qc = 2;
-    st.Critica();
-    EXPECT_EQ(cauce::forms::Format(st.Yc, "0.00"), "0.47");
 }
 
-TEST(PrismaticLleno, BankFullValuesKeepTheTopWidthInSinglePrecision) {
-    static_assert(std::is_same_v<decltype(State::Tb), float>);
-    // b 2.045, z 0.4, h 1: Tb = 2.845, which single precision holds as 2.8450000286.
+TEST(PrismaticLleno, BankFullDischargeByHand) {
+    // b 2.045, z 0.4, h 1: A 2.445, P 2.045 + 2 sqrt(1.16). (10 - Tb in single precision: form1_desborde.)
     State st = Channel(0.015, 0.001, 2.045, 0.4);
     st.h = 1;
     st.Lleno();
-    EXPECT_EQ(st.Tb, 2.845f);
-    EXPECT_DOUBLE_EQ(st.Ab, 2.445);
     EXPECT_NEAR(st.Qb, Manning(2.445, 2.045 + 2 * std::sqrt(1.16), 0.015, 0.001), 1e-12);
-    // The flood zone's width carries the rounding: 10 - Tb shows 7.15, not the 7.16 of 10 - 2.845.
-    st.Bz = 10;
-    EXPECT_EQ(cauce::forms::Format(st.Bz - st.Tb, "0.00"), "7.15");
 }
 
 TEST(PrismaticConduit, GeometryAgainstTheExactCircle) {
@@ -189,12 +160,6 @@ TEST(PrismaticConduit, GeometryAgainstTheExactCircle) {
         EXPECT_NEAR(st.Dh, st.A / st.T, 1e-12) << ratio;
         EXPECT_NEAR(q / Manning(c.A, c.P, 0.013, 0.001), 1, 1e-4) << ratio;
     }
-    // Half full: x = 0 gives the angle 1.5708 itself.
-    State half = Conduit(0.013, 0.001, D);
-    half.y = D / 2;
-    half.Geometria();
-    EXPECT_DOUBLE_EQ(half.A, (1.5708 - std::sin(1.5708) * std::cos(1.5708)) * D * D / 4);
-    EXPECT_DOUBLE_EQ(half.P, D * 1.5708);
 }
 
 TEST(PrismaticConduit, FullDepthUsesTheFullDischargeAndAMinimalSine) {
@@ -204,10 +169,7 @@ TEST(PrismaticConduit, FullDepthUsesTheFullDischargeAndAMinimalSine) {
     st.y = 1;
     EXPECT_EQ(st.Geometria(), 0.75);
     EXPECT_EQ(st.Dh, -1);
-    // sin^2 becomes 0.0001: the half angle is atan(0.01 / -1) + 3.1416.
-    const double alpha = std::atan(-0.01) + 3.1416;
-    EXPECT_DOUBLE_EQ(st.P, alpha);
-    EXPECT_NEAR(st.A, kPi / 4, 2e-3);  // close to, not exactly, the full circle
+    EXPECT_NEAR(st.A, kPi / 4, 2e-3);  // sin^2 held at 0.0001: close to, not exactly, the full circle
 }
 
 TEST(PrismaticConduit, TextbookHydraulicElements) {
@@ -304,17 +266,6 @@ TEST(PrismaticConduit, CriticalDepthMatchesABisectionOfFroude) {
     }
 }
 
-TEST(PrismaticConduit, FullConduit) {
-    const double n = 0.012, S = 0.004, D = 0.6;
-    State st = Conduit(n, S, D);
-    st.Clleno();
-    EXPECT_EQ(st.Q, st.Qlleno);
-    EXPECT_EQ(st.Yn, D);
-    EXPECT_NEAR(st.Q / (0.3117 / n * std::pow(D, 8.0 / 3.0) * std::sqrt(S)), 1, 2e-4);
-    EXPECT_NEAR(st.Vn, st.Q / (kPi * D * D / 4), 1e-5);
-    EXPECT_EQ(st.F, 0);
-}
-
 namespace {
 // Main channel b 2, z 1, bank height 1 (Ab 3, Pb 4.828, Tb 4), n 0.02, S 0.001.
 State BankedChannel(double Bz, double nz, double Q) {
@@ -372,14 +323,6 @@ TEST(PrismaticFlood, FirstStepOverTheBanks) {
     EXPECT_DOUBLE_EQ(st.Yn, 1.0025);
 }
 
-TEST(PrismaticFlood, MissingFloodZoneStopsBeforeTheMarch) {
-    for (auto [Bz, nz] : {std::pair{0.0, 0.04}, std::pair{20.0, 0.0}}) {
-        State st = BankedChannel(Bz, nz, 15);
-        EXPECT_EQ(st.Qdesbord(), FloodStatus::MissingZone);
-        EXPECT_EQ(st.d, 0);
-    }
-}
-
 TEST(PrismaticFlood, CriticalDepthAboveTheBanksWhenTheBankFullFlowIsSupercritical) {
     // Bank-full area 3 m2, top width 4 m: Q / 3 / sqrt(9.81 * 0.75) > 1 from Q = 8.14 m3/s.
     const double threshold = 3 * std::sqrt(9.81 * 0.75);
@@ -390,97 +333,64 @@ TEST(PrismaticFlood, CriticalDepthAboveTheBanksWhenTheBankFullFlowIsSupercritica
     }
 }
 
-TEST(PrismaticFaults, BadDataIsAFaultNamingTheDatum) {
-    struct Case {
-        const char* what;
-        std::function<void(State&)> run;
-        const char* message_part;
+TEST(PrismaticFaults, BadDataAndEndlessSearchesAreFaultsNamingTheCause) {
+    const auto banked = [](double n, double S, double h) {
+        State st = Channel(n, S, 2, 1);
+        st.h = h;
+        return st;
     };
-    const std::vector<Case> cases = {
-        {"bank-full, no roughness",
-         [](State& st) {
-             st = Channel(0, 0.001, 2, 1);
-             st.h = 1;
-             st.Lleno();
-         },
-         "Rugosidad"},
-        {"bank-full, negative slope",
-         [](State& st) {
-             st = Channel(0.015, -0.001, 2, 1);
-             st.h = 1;
-             st.Lleno();
-         },
-         "Pendiente"},
-        {"conduit, negative slope", [](State& st) { (st = Conduit(0.013, -0.001, 1)).Maximo(); },
-         "Pendiente"},
-        {"conduit, negative diameter", [](State& st) { (st = Conduit(0.013, 0.001, -1)).Maximo(); },
-         "Diámetro"},
-        {"flood zone narrower than the channel",
-         [](State& st) {
-             st = BankedChannel(3, 0.04, 15);
-             st.Qdesbord();
-         },
-         "Ancho zona"},
+    const struct {
+        const char* what;
+        std::function<void()> run;
+        const char* message_part;
+    } cases[] = {
+        {"bank-full, no roughness", [&] { banked(0, 0.001, 1).Lleno(); }, "Rugosidad"},
+        {"bank-full, negative slope", [&] { banked(0.015, -0.001, 1).Lleno(); }, "Pendiente"},
+        {"conduit, negative slope", [] { Conduit(0.013, -0.001, 1).Maximo(); }, "Pendiente"},
+        {"conduit, negative diameter", [] { Conduit(0.013, 0.001, -1).Maximo(); }, "Diámetro"},
+        {"flood zone narrower than the channel", [] { BankedChannel(3, 0.04, 15).Qdesbord(); }, "Ancho zona"},
         {"negative discharge",
-         [](State& st) {
-             st = Channel(0.015, 0.001, 2, 1);
+         [&] {
+             State st = banked(0.015, 0.001, 0);
              st.Q = -1;
              st.Normal();
          },
          "Potencia"},
-    };
-    for (const auto& c : cases) {
-        State st;
-        try {
-            c.run(st);
-            ADD_FAILURE() << c.what << ": no fault";
-        } catch (const Fault& f) {
-            EXPECT_NE(std::string(f.what()).find(c.message_part), std::string::npos)
-                << c.what << ": " << f.what();
-        }
-    }
-}
-
-TEST(PrismaticFaults, EndlessSearchesStopOnTheirBudget) {
-    struct Case {
-        const char* what;
-        std::function<void(State&)> run;
-    };
-    const std::vector<Case> cases = {
         // Negative roughnesses: the discharge over the banks never grows to Q.
         {"flood march",
-         [](State& st) {
-             st = BankedChannel(20, -0.04, 15);
+         [] {
+             State st = BankedChannel(20, -0.04, 15);
              st.n = -0.02;
              st.Qdesbord();
-         }},
+         },
+         "no termina"},
         // Above the conduit's largest discharge (the screen refuses it first) the march never ends.
         {"conduit normal depth",
-         [](State& st) {
-             st = Conduit(0.013, 0.001, 1);
+         [] {
+             State st = Conduit(0.013, 0.001, 1);
              st.Maximo();
              st.Q = 2 * st.Qm;
              st.Circular();
-         }},
+         },
+         "no termina"},
         // A negative discharge is never supercritical: the descent never ends.
         {"conduit critical depth",
-         [](State& st) {
-             st = Conduit(0.013, 0.001, 1);
+         [] {
+             State st = Conduit(0.013, 0.001, 1);
              st.Maximo();
              st.Q = -0.1;
              st.Yn = 0.5;
              st.F = 0;
              st.Criticac();
-         }},
+         },
+         "no termina"},
     };
     for (const auto& c : cases) {
-        State st;
         try {
-            c.run(st);
+            c.run();
             ADD_FAILURE() << c.what << ": no fault";
         } catch (const Fault& f) {
-            EXPECT_NE(std::string(f.what()).find("no termina"), std::string::npos)
-                << c.what << ": " << f.what();
+            EXPECT_NE(std::string(f.what()).find(c.message_part), std::string::npos) << c.what << ": " << f.what();
         }
     }
 }
