@@ -1,5 +1,7 @@
 #include "support.hpp"
 
+#include <QLineEdit>
+#include <QtTest>
 #include <charconv>
 
 #include "forms/screen.hpp"
@@ -56,6 +58,17 @@ std::string Text(double v) {
 std::map<std::string, std::shared_ptr<MemorySheet>>& Books() {
     static std::map<std::string, std::shared_ptr<MemorySheet>> books;
     return books;
+}
+
+void Type(app::ScreenView& view, const char* box, const QString& text) {
+    QLineEdit* edit = view.Box(box);
+    QVERIFY2(edit, box);
+    edit->setFocus();
+    edit->selectAll();
+    if (text.isEmpty())
+        QTest::keyClick(edit, Qt::Key_Delete);
+    else
+        QTest::keyClicks(edit, text);
 }
 
 void InstallMemoryBooks() {

@@ -10,9 +10,19 @@
 #include <vector>
 
 #include "app/dialogs.hpp"
+#include "app/screen_view.hpp"
 #include "forms/binding.hpp"
 
 namespace cauce::apptest {
+
+// Types text into a box as a person does (focus, select all, keys; Delete when the text is empty).
+void Type(app::ScreenView& view, const char* box, const QString& text);
+inline void Type(app::ScreenView* view, const char* box, const QString& text) {
+    Type(*view, box, text);
+}
+inline QString Q(const std::string& s) {
+    return QString::fromStdString(s);
+}
 
 // A sheet held in memory: a header row of columns and rows of texts.
 struct MemorySheet {

@@ -40,12 +40,6 @@ void Save(const QImage& image, const QString& name) {
     QVERIFY(image.save(QString::fromLocal8Bit(dir) + '/' + name));
 }
 
-void Type(app::ScreenView* view, const char* box, const QString& text) {
-    QLineEdit* edit = view->Box(box);
-    edit->selectAll();
-    QTest::keyClicks(edit, text);
-}
-
 }  // namespace
 
 class Capturas : public QObject {

@@ -27,21 +27,6 @@ using app::Figure;
 
 namespace {
 
-QString Q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-
-void Type(app::ScreenView& view, const char* box, const QString& text) {
-    QLineEdit* edit = view.Box(box);
-    QVERIFY2(edit, box);
-    edit->setFocus();
-    edit->selectAll();
-    if (text.isEmpty())
-        QTest::keyClick(edit, Qt::Key_Delete);
-    else
-        QTest::keyClicks(edit, text);
-}
-
 void Press(app::ScreenView& view, const char* button) {
     QTest::mouseClick(view.Button(button), Qt::LeftButton);
 }

@@ -22,17 +22,6 @@ using namespace cauce::apptest;
 
 namespace {
 
-QString Q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-
-void Type(app::ScreenView* view, const char* box, const QString& text) {
-    QLineEdit* edit = view->Box(box);
-    edit->setFocus();
-    edit->selectAll();
-    QTest::keyClicks(edit, text);
-}
-
 void Click(QAbstractButton* button) {
     QTest::mouseClick(button, Qt::LeftButton);
 }
