@@ -153,6 +153,9 @@ pugi::xml_node Sheet::RowNode(int row) {
     const std::string name = prefix_ + "row";
     pugi::xml_node node = next == rows_.end() ? data_.append_child(name.c_str())
                                               : data_.insert_child_before(name.c_str(), next->second);
+    if (!node)
+        raise("No se pudo escribir la fila " + std::to_string(row) + " en la hoja \"" + name_ +
+              "\" del libro \"" + file_ + "\".");
     node.append_attribute("r").set_value(std::to_string(row).c_str());
     rows_.emplace(row, node);
     return node;
@@ -163,14 +166,21 @@ pugi::xml_node Sheet::CellNode(int row, int col) {
     pugi::xml_node r = RowNode(row);
     NumberCells(r, row);
     r.remove_attribute("spans");  // a hint of the cells' extent that the new cell may leave
+    // Before the next cell of the row in this row element: a damaged sheet may hold a cell of this row
+    // in another element (a reference to another row, a row number repeated), where it cannot go.
     pugi::xml_node before;
     for (auto it = nodes_.upper_bound({row, col}); it != nodes_.end() && it->first.first == row; ++it) {
-        before = it->second;
-        break;
+        if (it->second.parent() == r) {
+            before = it->second;
+            break;
+        }
     }
     if (!before) before = Child(r, "extLst");
     const std::string name = prefix_ + "c";
     pugi::xml_node c = before ? r.insert_child_before(name.c_str(), before) : r.append_child(name.c_str());
+    if (!c)
+        raise("No se pudo escribir la celda " + RefName(row, col) + " en la hoja \"" + name_ +
+              "\" del libro \"" + file_ + "\".");
     c.append_attribute("r").set_value(RefName(row, col).c_str());
     nodes_.emplace(std::pair{row, col}, c);
     return c;

@@ -199,6 +199,42 @@ INSTANTIATE_TEST_SUITE_P(Opening, BadWorkbook, ::testing::ValuesIn(kOpenCases),
 // freexl reads past a buffer of its own on this damaged file (found by fuzzing; the sanitizers stop
 // a process there, an ordinary build reads whatever lies beyond). Either way the file is refused or
 // read, the program goes on, and the next legacy workbook opens as usual.
+// Sheets whose cells sit in a row element other than their row's (found by fuzzing): an edit of such a
+// row goes into the row's own element and is saved, not dropped.
+TEST_F(WorkbookTest, EditsOfAnOddlyLaidOutSheetAreSaved) {
+    const std::string head =
+        "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData><row "
+        "r=\"1\">"
+        "<c r=\"A1\" t=\"inlineStr\"><is><t>SecId</t></is></c><c r=\"B1\" "
+        "t=\"inlineStr\"><is><t>Caudal</t></is></c>"
+        "<c r=\"C1\" t=\"inlineStr\"><is><t>Si</t></is></c>";
+    const struct {
+        const char* name;
+        std::string xml;
+    } cases[] = {
+        // Row 2's B2 inside the element of row 1; row 2 has no element of its own.
+        {"cell_of_another_row", head + "<c r=\"B2\"><v>5</v></c></row></sheetData></worksheet>"},
+        // Row 2 twice: A2 in the first element, C2 in the second.
+        {"row_repeated", head + "</row><row r=\"2\"><c r=\"A2\"><v>1</v></c></row><row r=\"2\"><c r=\"C2\">"
+                                "<v>0.002</v></c></row></sheetData></worksheet>"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const fs::path file = Dir() / (std::string(c.name) + ".xlsx");
+        ReplacePart(kRios, file, "xl/worksheets/sheet1.xml", c.xml);
+        {
+            workbook::SheetRecords records(workbook::Workbook::Open(file), "Persecc");
+            ASSERT_EQ(records.RecordCount(), 1);
+            records.Set(1, "SecId", "7");
+            records.Set(1, "Caudal", "12.5");
+            records.Save();
+        }
+        workbook::SheetRecords again(workbook::Workbook::Open(file), "Persecc");
+        EXPECT_EQ(again.Get(1, "SecId"), "7");
+        EXPECT_EQ(again.Get(1, "Caudal"), "12.5");
+    }
+}
+
 TEST_F(WorkbookTest, LegacyReaderFaultStaysOutOfTheProgram) {
     const fs::path file = Dir() / "rio.xls";
     fs::copy_file(fs::path(CAUCE_LIBROS_PY).parent_path() / "danados" / "lectura_de_mas.xls", file);
