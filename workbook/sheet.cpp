@@ -30,6 +30,13 @@ bool IsEmpty(const Cell& c) {
     return c.kind == CellKind::Empty || (c.kind == CellKind::Text && c.text.empty());
 }
 
+// Every attribute of that name: the parser lets a damaged file repeat one, and the first one read
+// must not leave a second one behind to be read next time.
+void RemoveAttributes(pugi::xml_node n, const char* name) {
+    while (n.remove_attribute(name)) {
+    }
+}
+
 void RemoveChildren(pugi::xml_node c, std::string_view local) {
     for (auto n = c.first_child(); n;) {
         auto next = n.next_sibling();
@@ -165,7 +172,7 @@ pugi::xml_node Sheet::CellNode(int row, int col) {
     if (const auto it = nodes_.find({row, col}); it != nodes_.end()) return it->second;
     pugi::xml_node r = RowNode(row);
     NumberCells(r, row);
-    r.remove_attribute("spans");  // a hint of the cells' extent that the new cell may leave
+    RemoveAttributes(r, "spans");  // a hint of the cells' extent that the new cell may leave
     // Before the next cell of the row in this row element: a damaged sheet may hold a cell of this row
     // in another element (a reference to another row, a row number repeated), where it cannot go.
     pugi::xml_node before;
@@ -197,9 +204,9 @@ void Sheet::DropFormula(int row, int col, pugi::xml_node c) {
             pugi::xml_node g = Child(nodes_.at(key), "f");
             if (std::string_view(g.attribute("t").value()) != "shared" || si != g.attribute("si").value())
                 continue;
-            g.remove_attribute("t");
-            g.remove_attribute("si");
-            g.remove_attribute("ref");
+            RemoveAttributes(g, "t");
+            RemoveAttributes(g, "si");
+            RemoveAttributes(g, "ref");
             g.text().set(ShiftFormula(text, key.first - row, key.second - col).c_str());
         }
     }
@@ -233,7 +240,7 @@ void Sheet::Set(int row, int col, const Cell& value) {
     if (formulas_.count(key)) DropFormula(row, col, c);
     RemoveChildren(c, "v");
     RemoveChildren(c, "is");
-    c.remove_attribute("t");
+    RemoveAttributes(c, "t");
     auto add = [&](const char* local) { return c.prepend_child((prefix_ + local).c_str()); };
     switch (IsEmpty(value) ? CellKind::Empty : value.kind) {
         case CellKind::Empty:

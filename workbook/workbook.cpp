@@ -273,16 +273,21 @@ std::string Workbook::Bytes() {
                 break;
             }
         replaced[s_->book_rels_part] = WriteXml(s_->book_rels);
+        // Its content type goes too; a package without a readable list of types is left as it is.
         pugi::xml_document types;
         const std::string part = s_->pkg->Find("[Content_Types].xml");
-        ParseXml(types, s_->pkg->Read(part), s_->file, part);
-        for (auto o = types.document_element().first_child(); o; o = o.next_sibling())
-            if (LocalName(o) == "Override" &&
-                std::string_view(o.attribute("PartName").value()) == "/" + s_->calc_chain_part) {
-                types.document_element().remove_child(o);
-                break;
-            }
-        replaced[part] = WriteXml(types);
+        const std::string text = part.empty() ? std::string() : s_->pkg->Read(part);
+        if (!part.empty() &&
+            types.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_auto) &&
+            types.document_element()) {
+            for (auto o = types.document_element().first_child(); o; o = o.next_sibling())
+                if (LocalName(o) == "Override" &&
+                    std::string_view(o.attribute("PartName").value()) == "/" + s_->calc_chain_part) {
+                    types.document_element().remove_child(o);
+                    break;
+                }
+            replaced[part] = WriteXml(types);
+        }
     }
     return s_->pkg->Write(replaced, removed);
 }

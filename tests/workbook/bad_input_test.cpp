@@ -215,6 +215,10 @@ TEST_F(WorkbookTest, EditsOfAnOddlyLaidOutSheetAreSaved) {
         // Row 2's B2 inside the element of row 1; row 2 has no element of its own.
         {"cell_of_another_row", head + "<c r=\"B2\"><v>5</v></c></row></sheetData></worksheet>"},
         // Row 2 twice: A2 in the first element, C2 in the second.
+        // A2's type written twice: the first one is read, and none may be left once A2 holds a number.
+        {"type_repeated",
+         head + "</row><row r=\"2\"><c r=\"A2\" t=\"e\" t=\"b\"><v>#N/A</v></c></row></sheetData>"
+                "</worksheet>"},
         {"row_repeated", head + "</row><row r=\"2\"><c r=\"A2\"><v>1</v></c></row><row r=\"2\"><c r=\"C2\">"
                                 "<v>0.002</v></c></row></sheetData></worksheet>"},
     };
@@ -233,6 +237,28 @@ TEST_F(WorkbookTest, EditsOfAnOddlyLaidOutSheetAreSaved) {
         EXPECT_EQ(again.Get(1, "SecId"), "7");
         EXPECT_EQ(again.Get(1, "Caudal"), "12.5");
     }
+}
+
+// A formula replaced in a package with a calculation chain but no list of content types (found by
+// fuzzing): the chain goes, and the save does not fail for the list it cannot find.
+TEST_F(WorkbookTest, FormulaReplacedInAPackageWithoutContentTypes) {
+    const fs::path file = Dir() / "sin_tipos.xlsx";
+    ASSERT_EQ(Libros("crear-xml " + file.string()), 0);
+    int err = 0;
+    zip_t* z = zip_open(file.c_str(), 0, &err);
+    ASSERT_NE(z, nullptr);
+    ASSERT_EQ(zip_delete(z, static_cast<zip_uint64_t>(zip_name_locate(z, "[Content_Types].xml", 0))), 0);
+    ASSERT_EQ(zip_close(z), 0);
+    {
+        workbook::SheetRecords records(workbook::Workbook::Open(file), "Persecc");
+        ASSERT_TRUE(records.Book().FindSheet("Persecc")->IsFormula(2, 5));
+        records.Set(1, "Doble", "3");
+        records.Save();
+    }
+    auto book = workbook::Workbook::Open(file);
+    EXPECT_FALSE(book->FindSheet("Persecc")->IsFormula(2, 5));
+    workbook::SheetRecords again(std::move(book), "Persecc");
+    EXPECT_EQ(again.Get(1, "Doble"), "3");
 }
 
 TEST_F(WorkbookTest, LegacyReaderFaultStaysOutOfTheProgram) {
