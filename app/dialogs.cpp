@@ -1,6 +1,7 @@
 #include "app/dialogs.hpp"
 
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QMessageBox>
 
 namespace cauce::app {
@@ -22,6 +23,13 @@ QString DialogPrompter::WorkbookPath(QWidget* parent, const QString& start) {
     return QFileDialog::getOpenFileName(
         parent, QStringLiteral("Abrir libro"), start,
         QStringLiteral("Libros de Excel (*.xlsx *.xls);;Todos los archivos (*)"));
+}
+
+QString DialogPrompter::Text(QWidget* parent, const QString& question, const QString& initial) {
+    bool ok = false;
+    const QString text =
+        QInputDialog::getText(parent, QStringLiteral("Cauce"), question, QLineEdit::Normal, initial, &ok);
+    return ok ? text : QString();
 }
 
 }  // namespace cauce::app

@@ -19,6 +19,8 @@ class Prompter {
     virtual bool Ask(QWidget* parent, const QString& question) = 0;
     // The workbook to open, or "" when the user cancels.
     virtual QString WorkbookPath(QWidget* parent, const QString& start) = 0;
+    // A line of text the user types in answer (a depth); "" when the user cancels.
+    virtual QString Text(QWidget* parent, const QString& question, const QString& initial) = 0;
 };
 
 // The real dialogs: QMessageBox and QFileDialog.
@@ -28,6 +30,7 @@ class DialogPrompter : public Prompter {
     void Note(QWidget* parent, const QString& message) override;
     bool Ask(QWidget* parent, const QString& question) override;
     QString WorkbookPath(QWidget* parent, const QString& start) override;
+    QString Text(QWidget* parent, const QString& question, const QString& initial) override;
 };
 
 }  // namespace cauce::app

@@ -134,4 +134,12 @@ void ProfileChart::PlaceLabels() {
     }
 }
 
+void ProfileChart::SetStale(bool stale) {
+    if (stale == stale_) return;
+    stale_ = stale;
+    chart()->setOpacity(stale ? 0.35 : 1.0);
+    setAccessibleDescription(stale ? QStringLiteral("Perfil longitudinal (desactualizado)")
+                                   : QStringLiteral("Perfil longitudinal"));
+}
+
 }  // namespace cauce::app

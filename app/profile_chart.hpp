@@ -32,6 +32,9 @@ class ProfileChart : public QChartView {
 
     void Show(const std::vector<ProfilePoint>& points);
     const std::vector<ProfilePoint>& Points() const { return points_; }
+    // A plot out of date (a datum changed after the profile was run) is drawn faded.
+    void SetStale(bool stale);
+    bool IsStale() const { return stale_; }
     // The texts over the water-surface points, in section order ("3 M1").
     QStringList TypeLabels() const;
 
@@ -39,6 +42,7 @@ class ProfileChart : public QChartView {
     void PlaceLabels();
 
     std::vector<ProfilePoint> points_;
+    bool stale_ = false;
     std::vector<QGraphicsSimpleTextItem*> labels_;
 };
 

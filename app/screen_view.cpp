@@ -8,14 +8,19 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QToolButton>
+#include <algorithm>
 #include <cmath>
 
+#include "app/decimal_input.hpp"
 #include "app/dialogs.hpp"
 #include "app/figure_widget.hpp"
 #include "app/navigator.hpp"
 #include "app/partial_number.hpp"
 #include "app/section_sketch.hpp"
+#include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
+#include "screens/natural_screen.hpp"
+#include "screens/reach_run.hpp"
 
 namespace cauce::app {
 
@@ -34,6 +39,18 @@ QString ButtonText(const std::string& s) {
 
 constexpr double kFontPixels = 12.5;  // at the reference size
 const char* const kPartialProperty = "lecturaParcial";
+const char* const kOutlineStyle = "QLineEdit { border: 2px solid #c0392b; }";
+const QColor kStaleText(150, 150, 150);
+
+// Captions of the buttons the desktop treats apart: the one that ends the program is never refused,
+// the profile run is checked for sections not yet computed.
+const std::string kSalir = "Salir";
+const std::string kSectionButton = "(Y?)";
+const std::string kProfileButton = "Perfiles";
+
+const screens::NaturalScreen* Natural(const forms::Screen& s) {
+    return dynamic_cast<const screens::NaturalScreen*>(&s);
+}
 
 }  // namespace
 
@@ -74,6 +91,15 @@ void ScreenView::Build() {
                             [this, box, name](const QPoint& at) { TableMenu(box, name, at); });
                 }
                 chain(box);
+                auto* unit = new QLabel(box);
+                unit->setObjectName(Q(name) + QStringLiteral("_unidad"));
+                unit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+                unit->setAttribute(Qt::WA_TransparentForMouseEvents);
+                QPalette up = unit->palette();
+                up.setColor(QPalette::WindowText, QColor(110, 110, 110));
+                unit->setPalette(up);
+                unit->setAccessibleName(QString());
+                units_[name] = unit;
                 w = box;
                 break;
             }
@@ -120,7 +146,7 @@ void ScreenView::Refresh() {
     refreshing_ = true;
     for (const auto& c : model_.Controls()) {
         QWidget* w = widgets_.at(c.name);
-        const QString text = Q(c.text);
+        const QString text = c.kind == Kind::TextBox ? DisplayText(c) : Q(c.text);
         switch (c.kind) {
             case Kind::TextBox: {
                 auto* box = static_cast<QLineEdit*>(w);
@@ -150,14 +176,125 @@ void ScreenView::Refresh() {
                 navigator_->Show(text, model_.Record(), model_.RecordCount(), model_.Source() != nullptr);
                 break;
         }
+        Decorate(c, w);
     }
     refreshing_ = false;
+}
+
+// Rows of a result table beyond the reach's sections show blank; the boxes keep what the screen wrote.
+QString ScreenView::DisplayText(const forms::Control& c) const {
+    if (const auto* natural = Natural(model_); natural && owner_.count(c.name)) {
+        const int n = natural->State().N;
+        if (const BoxTable* table = TableOf(c.name); table && n > 0 && table->Locate(c.name).first + 1 > n)
+            return QString();
+    }
+    return Q(c.text);
+}
+
+BoxMeaning ScreenView::MeaningOfBox(std::string_view box) const {
+    const forms::Control* c = model_.Find(box);
+    return c ? MeaningOf(model_, *c, tables_) : BoxMeaning{std::string(box), "", true};
+}
+
+bool ScreenView::StaleFrom(std::string_view button) const {
+    return edited_after_.count(std::string(button)) > 0;
+}
+
+std::string ScreenView::OwnerOf(std::string_view control) const {
+    const auto it = owner_.find(control);
+    return it == owner_.end() ? std::string() : it->second;
+}
+
+// What the desktop adds to a control: the words a screen reader says, the unit beside a number,
+// the dimming of an out-of-date result and the outline of a refused box.
+void ScreenView::Decorate(const forms::Control& c, QWidget* w) {
+    const bool stale = stale_.count(c.name) > 0;
+    QString description = Q(c.name);
+    if (stale) description += QStringLiteral(" (desactualizado)");
+    if (w->accessibleDescription() != description) w->setAccessibleDescription(description);
+    switch (c.kind) {
+        case Kind::TextBox: {
+            auto* box = static_cast<QLineEdit*>(w);
+            const BoxMeaning meaning = MeaningOf(model_, c, tables_);
+            QString name = Q(meaning.caption);
+            if (!meaning.unit.empty()) name += QStringLiteral(" (") + Q(meaning.unit) + QStringLiteral(")");
+            if (box->accessibleName() != name) box->setAccessibleName(name);
+            QLabel* unit = units_.at(c.name);
+            if (unit->text() != Q(meaning.unit)) {
+                unit->setText(Q(meaning.unit));
+                PlaceUnit(box);
+            }
+            QPalette pal = box->palette();
+            const QColor text_colour = stale ? kStaleText : QApplication::palette(box).color(QPalette::Text);
+            if (pal.color(QPalette::Text) != text_colour) {
+                pal.setColor(QPalette::Text, text_colour);
+                box->setPalette(pal);
+            }
+            const QString style = outlined_.count(c.name) ? QString::fromLatin1(kOutlineStyle) : QString();
+            if (box->styleSheet() != style) box->setStyleSheet(style);
+            break;
+        }
+        case Kind::Label: {
+            QPalette pal = w->palette();
+            const QColor colour = stale ? kStaleText : QApplication::palette(w).color(QPalette::WindowText);
+            if (pal.color(QPalette::WindowText) != colour) {
+                pal.setColor(QPalette::WindowText, colour);
+                w->setPalette(pal);
+            }
+            QFont f = w->font();
+            if (f.italic() != stale) {
+                f.setItalic(stale);
+                w->setFont(f);
+            }
+            break;
+        }
+        case Kind::CommandButton: {
+            const QString name = c.text.empty() ? QStringLiteral("(sin uso)") : Q(c.text);
+            if (w->accessibleName() != name) w->setAccessibleName(name);
+            break;
+        }
+        case Kind::PictureBox:
+            if (w->accessibleName().isEmpty()) w->setAccessibleName(QStringLiteral("Figura"));
+            break;
+        case Kind::Data:
+            break;
+    }
+}
+
+void ScreenView::PlaceUnit(QLineEdit* box) {
+    QLabel* unit = units_.at(box->objectName().toStdString());
+    if (unit->text().isEmpty()) {
+        unit->hide();
+        box->setTextMargins(0, 0, 0, 0);
+        return;
+    }
+    QFont f = font();
+    f.setPixelSize(std::max(6, f.pixelSize() * 4 / 5));
+    unit->setFont(f);
+    const int w = QFontMetrics(f).horizontalAdvance(unit->text()) + 4;
+    unit->setGeometry(box->width() - w - 2, 0, w, box->height());
+    box->setTextMargins(0, 0, w, 0);
+    unit->show();
 }
 
 void ScreenView::Typed(const std::string& name, const QString& text) {
     if (refreshing_) return;
     model_.Type(name, text.toStdString());
     MarkReading(Box(name));
+    // The box is the user's now; whatever a click computed before is out of date.
+    owner_.erase(name);
+    outlined_.erase(name);
+    const std::size_t was = stale_.size();
+    stale_.erase(name);
+    // The depth the profile starts from is the profile's alone; any other datum may feed every result.
+    const screens::ReachControls* reach = screens::ReachControlsOf(model_);
+    const bool profile_depth = reach && name == reach->depth_box;
+    for (const auto& [control, button] : owner_)
+        if (!profile_depth || button == reach->profile_button) stale_.insert(control);
+    for (const auto& button : clicked_)
+        if (!profile_depth || button == reach->profile_button) edited_after_.insert(button);
+    for (const auto& c : model_.Controls()) Decorate(c, widgets_.at(c.name));
+    if (stale_.size() != was) emit staleChanged();
     // The picture follows the boxes it is drawn from.
     if (auto* picture = Picture("Picture1"))
         picture->SetPicture(model_.Get("Picture1").text, SketchOf(model_));
@@ -177,6 +314,14 @@ void ScreenView::MarkReading(QLineEdit* box) {
 
 void ScreenView::Press(const std::string& name) {
     const bool was_closed = model_.Closed();
+    if (const QString refusal = CheckBeforeClick(name); !refusal.isEmpty()) {
+        Refresh();
+        prompter_.Fault(window(), refusal);
+        return;
+    }
+    std::map<std::string, unsigned long, std::less<>> before;
+    for (const auto& c : model_.Controls()) before[c.name] = c.writes;
+    const std::string caption = model_.Find(name) ? model_.Get(name).text : std::string();
     std::optional<std::string> error;
     try {
         error = model_.Click(name);
@@ -184,9 +329,13 @@ void ScreenView::Press(const std::string& name) {
         // Not a fault of the arithmetic: still no crash, and the user is told.
         error = std::string("Error interno: ") + e.what();
     }
+    if (caption == kSectionButton)
+        if (const auto* natural = Natural(model_)) sections_pressed_.insert(natural->State().i);
+    AfterClick(name, before);
+    if (caption == kSectionButton) MarkTableError();
     Refresh();
     emit pressed(Q(name));
-    if (error) prompter_.Fault(window(), Q(*error));
+    if (error) prompter_.Fault(window(), Q(WordFault(*error, caption, Suspects(caption))));
     // The model stays closed once "Salir" ran; if the user kept the program open then (a save that
     // failed), only that button asks again.
     if (model_.Closed() && (!was_closed || name == closing_button_)) {
@@ -195,7 +344,206 @@ void ScreenView::Press(const std::string& name) {
     }
 }
 
+// The controls the click wrote are its results, up to date; a section table found wrong outlines
+// its level and leaves the results computed from it dimmed.
+void ScreenView::AfterClick(const std::string& button,
+                            const std::map<std::string, unsigned long, std::less<>>& before) {
+    const std::size_t was = stale_.size();
+    clicked_.insert(button);
+    edited_after_.erase(button);
+    for (const auto& c : model_.Controls()) {
+        const auto it = before.find(c.name);
+        if (it == before.end() || it->second == c.writes) continue;
+        if (c.kind != Kind::TextBox && !(c.kind == Kind::Label && IsMessageLabel(model_, c.name))) continue;
+        stale_.erase(c.name);
+        if (c.text.empty()) {
+            owner_.erase(c.name);
+        } else {
+            owner_[c.name] = button;
+        }
+    }
+    for (auto it = outlined_.begin(); it != outlined_.end();)
+        it = owner_.count(*it) ? outlined_.erase(it) : std::next(it);
+    if (stale_.size() != was) emit staleChanged();
+}
+
+// "Revise las cotas Zi" or the widths' message after "(Y?)": the level where the table stops rising
+// (or narrows) is outlined, and the section's results, computed from that table, are out of date.
+void ScreenView::MarkTableError() {
+    const auto* natural = Natural(model_);
+    if (!natural) return;
+    const natural::State& st = natural->State();
+    const int i = st.i;
+    std::vector<std::string> boxes;
+    try {
+        if (i < 0 || i > 50) return;
+        for (int j = 2; j <= st.npts(i) && boxes.empty(); ++j) {
+            if (st.Yj(i, j) - st.Yj(i, j - 1) <= 0) {
+                boxes = {"Text" + std::to_string(2 * j - 3), "Text" + std::to_string(2 * j - 1)};
+            } else if (st.m(i, j) < 0) {
+                boxes = {"Text" + std::to_string(2 * j - 2), "Text" + std::to_string(2 * j)};
+            }
+        }
+    } catch (const Fault&) {
+        return;
+    }
+    if (boxes.empty()) return;
+    for (const auto& b : boxes) outlined_.insert(b);
+    // The results of the section are those of the click that just ran.
+    for (const auto& [control, owner] : owner_)
+        if (model_.Get(control).kind == Kind::TextBox && !TableOf(control)) stale_.insert(control);
+}
+
+// The data boxes a fault of the click on `caption` may come from: those blank or zero among the
+// quantities divided by. The flood zone's are named only when nothing else is suspect, and the
+// depth of the profile only for the profile run.
+std::vector<Suspect> ScreenView::Suspects(const std::string& caption) const {
+    std::vector<Suspect> main, flood;
+    for (const auto& c : model_.Controls()) {
+        if (c.kind != Kind::TextBox || owner_.count(c.name)) continue;
+        const BoxMeaning m = MeaningOf(model_, c, tables_);
+        if (!IsDivisor(m.caption)) continue;
+        const bool depth = m.caption == "Yinicial" || m.caption == "Yfinal";
+        if (depth && caption != kProfileButton) continue;
+        double v = 0;
+        try {
+            v = forms::Val(c.text);
+        } catch (const Fault&) {
+            continue;
+        }
+        if (v > 0) continue;
+        (m.caption.find("zona inundable") != std::string::npos ? flood : main).push_back({m.caption, c.text});
+    }
+    return main.empty() ? flood : main;
+}
+
+QString ScreenView::CheckBeforeClick(const std::string& name) {
+    const forms::Control* button = model_.Find(name);
+    if (!button || button->text.empty() || button->text == kSalir) return QString();
+    // Numbers read only in part are not computed with.
+    QStringList lines;
+    std::set<std::string, std::less<>> refused;
+    for (const auto& c : model_.Controls()) {
+        if (c.kind != Kind::TextBox || owner_.count(c.name)) continue;
+        const BoxMeaning m = MeaningOf(model_, c, tables_);
+        if (!m.numeric) continue;
+        const auto read = ReadInPart(c.text);
+        if (!read) continue;
+        refused.insert(c.name);
+        lines << QStringLiteral("• %1: \u00ab%2\u00bb se leería como %3.")
+                     .arg(Q(m.caption), Q(c.text).trimmed(), Q(*read));
+    }
+    if (!refused.empty()) {
+        outlined_.insert(refused.begin(), refused.end());
+        return QStringLiteral(
+                   "No se calculó con \u00ab%1\u00bb: %2 no se lee entera como un número.\n%3\n"
+                   "Escriba solo el número, con punto o coma decimal, y vuelva a oprimir el botón.")
+            .arg(ButtonText(button->text).replace(QStringLiteral("&&"), QStringLiteral("&")),
+                 refused.size() == 1 ? QStringLiteral("una casilla")
+                                     : QStringLiteral("%1 casillas").arg(refused.size()),
+                 lines.join('\n'));
+    }
+    // The profile needs every section of the reach computed.
+    if (button->text == kProfileButton)
+        if (const auto* natural = Natural(model_)) {
+            const int n = natural->State().N;
+            QStringList missing;
+            for (int k = 1; k < n && k <= 50; ++k)
+                if (!sections_pressed_.count(k)) missing << QString::number(k);
+            if (!missing.isEmpty())
+                return QStringLiteral(
+                           "\u00abPerfiles\u00bb necesita todas las secciones calculadas, y %1 de las %2 "
+                           "no se calcularon con \u00ab(Y?)\u00bb: %3.\n"
+                           "Use Cálculo > Calcular el tramo (F5): calcula cada sección y luego el perfil.")
+                    .arg(missing.size())
+                    .arg(n)
+                    .arg(missing.join(QStringLiteral(", ")));
+        }
+    return QString();
+}
+
+QString ScreenView::RunReach(const std::vector<int>& records, const std::string& depth) {
+    const screens::ReachControls* controls = screens::ReachControlsOf(model_);
+    if (!controls) return QString();
+    QStringList faults;
+    std::map<std::string, unsigned long, std::less<>> before;
+    const auto snapshot = [this, &before] {
+        for (const auto& c : model_.Controls()) before[c.name] = c.writes;
+    };
+    const auto* natural = Natural(model_);
+    screens::ReachPlan plan;
+    plan.records = records;
+    try {
+        snapshot();
+        screens::ComputeSections(model_, plan, [&](int record, const std::optional<std::string>& fault) {
+            const int i = natural ? natural->State().i : 0;
+            sections_pressed_.insert(i);
+            AfterClick(controls->section_button, before);
+            MarkTableError();
+            if (fault)
+                faults << QStringLiteral("Sección %1 (registro %2): %3")
+                              .arg(i)
+                              .arg(record)
+                              .arg(Q(WordFault(*fault, kSectionButton, Suspects(kSectionButton))));
+            snapshot();
+        });
+        if (model_.Get(controls->profile_button).text.empty()) {
+            faults << QStringLiteral(
+                "La última sección no se pudo calcular: \u00abPerfiles\u00bb no se activó.");
+        } else if (const QString refusal = CheckBeforeClick(controls->profile_button); !refusal.isEmpty()) {
+            faults << refusal;
+        } else {
+            snapshot();
+            const auto fault = screens::RunProfile(model_, depth);
+            AfterClick(controls->profile_button, before);
+            owner_.erase(controls->depth_box);  // typed for the user: still an input
+            if (fault) faults << Q(WordFault(*fault, kProfileButton, Suspects(kProfileButton)));
+        }
+    } catch (const Fault& f) {
+        faults << Q(f.what());
+    }
+    Refresh();
+    emit pressed(Q(controls->profile_button));
+    return faults.join(QStringLiteral("\n\n"));
+}
+
+QString ScreenView::ConvertPasted(const QString& text) {
+    QStringList lines = text.split('\n');
+    std::optional<bool> comma_decimal;
+    for (QString& line : lines) {
+        QStringList cells = line.split('\t');
+        for (QString& cell : cells) {
+            const bool cr = cell.endsWith('\r');
+            const std::string raw = (cr ? cell.chopped(1) : cell).toStdString();
+            auto converted = ConvertSeparators(raw, comma_decimal);
+            if (converted.ambiguous) {
+                comma_decimal = prompter_.Ask(
+                    window(),
+                    QStringLiteral("En \u00ab%1\u00bb la coma puede separar los miles (%2) o los decimales "
+                                   "(%3).\n¿La coma es el separador decimal?")
+                        .arg(Q(raw).trimmed(), Q(ConvertSeparators(raw, false).text).trimmed(),
+                             Q(ConvertSeparators(raw, true).text).trimmed()));
+                converted = ConvertSeparators(raw, comma_decimal);
+            }
+            cell = Q(converted.text) + (cr ? QStringLiteral("\r") : QString());
+        }
+        line = cells.join('\t');
+    }
+    return lines.join('\n');
+}
+
 void ScreenView::MoveRecord(Move move) {
+    std::map<std::string, std::string, std::less<>> shown;
+    for (const auto& c : model_.Controls())
+        if (c.kind == Kind::TextBox) shown[c.name] = c.text;
+    const auto forget_refilled = [this, &shown] {
+        for (const auto& c : model_.Controls())
+            if (c.kind == Kind::TextBox && shown[c.name] != c.text) {
+                owner_.erase(c.name);
+                stale_.erase(c.name);
+                outlined_.erase(c.name);
+            }
+    };
     try {
         switch (move) {
             case Move::First:
@@ -212,11 +560,14 @@ void ScreenView::MoveRecord(Move move) {
                 break;
         }
     } catch (const Fault& f) {
+        forget_refilled();
         Refresh();
         prompter_.Fault(window(), Q(f.what()));
         return;
     }
+    forget_refilled();
     Refresh();
+    emit staleChanged();
     if (!model_.SaveNote().empty()) emit note(Q(model_.SaveNote()));
     emit recordMoved();
 }
@@ -274,8 +625,25 @@ bool ScreenView::PasteTable(std::string_view box, const QString& text) {
     const BoxTable* table = TableOf(box);
     if (!table) return false;
     const auto [row, column] = table->Locate(box);
-    app::PasteTable(model_, *table, row, column, text.toStdString());
+    const QString converted = ConvertPasted(text);
+    std::map<std::string, std::string, std::less<>> shown;
+    for (const auto& c : model_.Controls()) shown[c.name] = c.text;
+    app::PasteTable(model_, *table, row, column, converted.toStdString());
+    // Pasted cells are typed by the user: what was computed from the old ones is out of date.
+    bool changed = false;
+    for (const auto& c : model_.Controls())
+        if (c.kind == Kind::TextBox && shown[c.name] != c.text) {
+            owner_.erase(c.name);
+            outlined_.erase(c.name);
+            stale_.erase(c.name);
+            changed = true;
+        }
+    if (changed) {
+        for (const auto& [control, button] : owner_) stale_.insert(control);
+        edited_after_.insert(clicked_.begin(), clicked_.end());
+    }
     Refresh();
+    if (changed) emit staleChanged();
     return true;
 }
 
@@ -290,12 +658,28 @@ void ScreenView::TableMenu(QLineEdit* box, const std::string& name, const QPoint
 }
 
 bool ScreenView::eventFilter(QObject* watched, QEvent* event) {
-    // Pasting cells of a spreadsheet into a box of a table fills the table from that box on.
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Paste)) {
-        const std::string name = watched->objectName().toStdString();
+    if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+    auto* key = static_cast<QKeyEvent*>(event);
+    auto* box = qobject_cast<QLineEdit*>(watched);
+    const std::string name = watched->objectName().toStdString();
+    if (!box || !model_.Find(name)) return QWidget::eventFilter(watched, event);
+    const bool numeric = MeaningOfBox(name).numeric;
+    // A comma typed into a number box is its decimal point, as the keypad's decimal key gives it.
+    if (numeric && key->text() == QStringLiteral(",")) {
+        QKeyEvent point(QEvent::KeyPress, Qt::Key_Period, key->modifiers(), QStringLiteral("."));
+        QApplication::sendEvent(box, &point);
+        return true;
+    }
+    if (key->matches(QKeySequence::Paste)) {
         QString text = QApplication::clipboard()->text();
         while (text.endsWith('\n') || text.endsWith('\r')) text.chop(1);
+        // Pasting cells of a spreadsheet into a box of a table fills the table from that box on.
         if (TableOf(name) && (text.contains('\t') || text.contains('\n'))) return PasteTable(name, text);
+        if (numeric && !text.contains('\n')) {
+            box->insert(ConvertPasted(text.trimmed()));
+            Typed(name, box->text());
+            return true;
+        }
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -325,6 +709,7 @@ void ScreenView::PlaceWidgets() {
         QWidget* w = widgets_.at(c.name);
         w->setGeometry(r);
         if (c.kind == Kind::Label) FitLabel(static_cast<QLabel*>(w));
+        if (c.kind == Kind::TextBox) PlaceUnit(static_cast<QLineEdit*>(w));
     }
 }
 

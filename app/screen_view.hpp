@@ -7,10 +7,13 @@
 #include <QWidget>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "app/box_meaning.hpp"
+#include "app/fault_wording.hpp"
 #include "app/table_clipboard.hpp"
 #include "forms/screen.hpp"
 
@@ -61,11 +64,34 @@ class ScreenView : public QWidget {
 
     double Scale() const;
 
+    // What a box means to the user (its caption, unit, whether it holds a number).
+    BoxMeaning MeaningOfBox(std::string_view box) const;
+    // Results out of date: a control a click wrote, shown dimmed since an input changed after it.
+    bool Stale(std::string_view control) const { return stale_.count(std::string(control)) > 0; }
+    bool AnyStale() const { return !stale_.empty(); }
+    // A datum was edited after the last click on `button` (in any record).
+    bool StaleFrom(std::string_view button) const;
+    // The button whose click last wrote the control ("" when the user or the workbook did).
+    std::string OwnerOf(std::string_view control) const;
+    // Boxes outlined because a click was refused on them or a section table is wrong there.
+    const std::set<std::string, std::less<>>& Outlined() const { return outlined_; }
+    // Sections whose "(Y?)" has been pressed in this view.
+    const std::set<int>& SectionsPressed() const { return sections_pressed_; }
+    // Before a click: the boxes it would read only in part, and "Perfiles" with sections missing.
+    // Returns the message that refuses the click, "" when it may run.
+    QString CheckBeforeClick(const std::string& name);
+    // "Calcular el tramo" on a fresh screen: "(Y?)" on each record of the plan, then the depth typed
+    // and "Perfiles". The faults and the sections that stopped, in one message ("" when none).
+    QString RunReach(const std::vector<int>& records, const std::string& depth);
+    // A text from the clipboard with its decimal commas made points (asking when ambiguous).
+    QString ConvertPasted(const QString& text);
+
   signals:
     void pressed(const QString& name);  // after a click ran and the view was refreshed
     void recordMoved();
     void exitRequested();  // the model's "Salir"
     void note(const QString& text);
+    void staleChanged();  // results became out of date, or up to date again
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -82,6 +108,13 @@ class ScreenView : public QWidget {
     void MarkReading(QLineEdit* box);
     void FitLabel(QLabel* label) const;
     void TableMenu(QLineEdit* box, const std::string& name, const QPoint& at);
+    void AfterClick(const std::string& button,
+                    const std::map<std::string, unsigned long, std::less<>>& before);
+    void MarkTableError();
+    void Decorate(const forms::Control& c, QWidget* w);
+    void PlaceUnit(QLineEdit* box);
+    QString DisplayText(const forms::Control& c) const;
+    std::vector<Suspect> Suspects(const std::string& caption) const;
 
     forms::Screen& model_;
     Prompter& prompter_;
@@ -92,6 +125,14 @@ class ScreenView : public QWidget {
     std::string last_table_box_;
     std::string closing_button_;  // the button whose click closed the model
     bool refreshing_ = false;
+
+    std::map<std::string, std::string, std::less<>> owner_;  // control -> button whose click wrote it
+    std::set<std::string, std::less<>> stale_;
+    std::set<std::string, std::less<>> outlined_;
+    std::set<int> sections_pressed_;
+    std::set<std::string, std::less<>> clicked_;       // buttons whose click ran
+    std::set<std::string, std::less<>> edited_after_;  // ... and a datum was edited since
+    std::map<std::string, QLabel*, std::less<>> units_;
 };
 
 }  // namespace cauce::app

@@ -6,16 +6,20 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 
+#include "app/decimal_input.hpp"
 #include "app/desktop.hpp"
 #include "app/dialogs.hpp"
 #include "app/profile_chart.hpp"
 #include "app/screen_view.hpp"
+#include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
+#include "screens/reach_run.hpp"
 #include "screens/registry.hpp"
 
 namespace cauce::app {
@@ -45,26 +49,61 @@ ScreenWindow::ScreenWindow(std::unique_ptr<forms::Screen> model, Desktop& deskto
     status_ = new QLabel(this);
     statusBar()->addWidget(status_, 1);
     BuildMenus();
+    BuildComputeMenu();
 
-    connect(view_, &ScreenView::pressed, this, [this] { Update(); });
+    ConnectView();
+
+    // The reference layout at its own size, or smaller on a small screen.
+    double width = ScreenView::kWidth, height = ScreenView::kHeight;
+    const QRect avail = Available();
+    const double fit = std::min({1.0, avail.width() * 0.92 / width, avail.height() * 0.85 / height});
+    width *= fit;
+    height *= fit;
+    resize(static_cast<int>(width),
+           static_cast<int>(height) + menuBar()->sizeHint().height() + statusBar()->sizeHint().height());
+    Update();
+}
+
+void ScreenWindow::ConnectView() {
+    connect(view_, &ScreenView::pressed, this, [this](const QString& name) {
+        // The plot belongs to the click that changed it.
+        const auto points = ProfileOf(*model_);
+        if (!points.empty() && (chart_owner_.isEmpty() || points.size() != chart_->Points().size() ||
+                                !std::equal(points.begin(), points.end(), chart_->Points().begin(),
+                                            [](const ProfilePoint& a, const ProfilePoint& b) {
+                                                return a.water == b.water && a.type == b.type;
+                                            })))
+            chart_owner_ = name;
+        Update();
+    });
     connect(view_, &ScreenView::recordMoved, this, [this] { Update(); });
+    connect(view_, &ScreenView::staleChanged, this, [this] { Update(); });
     connect(view_, &ScreenView::exitRequested, this, [this] {
         if (desktop_) desktop_->Exit();
     });
     connect(view_, &ScreenView::note, this,
             [this](const QString& text) { statusBar()->showMessage(text, 10000); });
+}
 
-    // The reference layout at its own size, or smaller on a small screen.
-    double width = ScreenView::kWidth, height = ScreenView::kHeight;
-    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-        const QRect avail = screen->availableGeometry();
-        const double fit = std::min({1.0, avail.width() * 0.92 / width, avail.height() * 0.85 / height});
-        width *= fit;
-        height *= fit;
-    }
-    resize(static_cast<int>(width),
-           static_cast<int>(height) + menuBar()->sizeHint().height() + statusBar()->sizeHint().height());
-    Update();
+QRect ScreenWindow::Available() const {
+    const QScreen* s = screen() ? screen() : QGuiApplication::primaryScreen();
+    return s ? s->availableGeometry() : QRect(0, 0, 1366, 768);
+}
+
+void ScreenWindow::FitTo(const QRect& available) {
+    if (isMaximized() || isFullScreen()) return;
+    // The frame the window system adds around the window.
+    const int frame_w = std::max(0, frameGeometry().width() - geometry().width());
+    const int frame_h = std::max(0, frameGeometry().height() - geometry().height());
+    const int w = std::min(width(), available.width() - frame_w);
+    const int h = std::min(height(), available.height() - frame_h);
+    if (w != width() || h != height()) resize(w, h);
+    QPoint at = pos();
+    at.setX(std::clamp(at.x(), available.left(),
+                       std::max(available.left(), available.right() - w - frame_w + 1)));
+    at.setY(
+        std::clamp(at.y(), available.top(), std::max(available.top(), available.bottom() - h - frame_h + 1)));
+    if (at != pos()) move(at);
 }
 
 ScreenWindow::~ScreenWindow() {
@@ -116,20 +155,133 @@ void ScreenWindow::BuildMenus() {
     }
 }
 
+// --- Cálculo: the whole reach, and the screen as it opens ---------------------------------------
+
+void ScreenWindow::BuildComputeMenu() {
+    auto* menu = new QMenu(QStringLiteral("&Cálculo"), this);
+    menu->setObjectName(QStringLiteral("menuCalculo"));
+    QAction* reach = menu->addAction(QStringLiteral("Calcular el &tramo"), this, [this] { ComputeReach(); });
+    reach->setObjectName(QStringLiteral("calcularTramo"));
+    reach->setShortcut(QKeySequence(Qt::Key_F5));
+    reach->setEnabled(screens::ReachControlsOf(*model_) != nullptr);
+    QAction* reset =
+        menu->addAction(QStringLiteral("&Reiniciar la pantalla"), this, [this] { ResetScreen(); });
+    reset->setObjectName(QStringLiteral("reiniciarPantalla"));
+    reset->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    // Between Edición and Pantallas.
+    QAction* before = nullptr;
+    for (QAction* a : menuBar()->actions())
+        if (a->text() == QStringLiteral("&Pantallas")) before = a;
+    menuBar()->insertMenu(before, menu);
+}
+
+std::unique_ptr<forms::Screen> ScreenWindow::FreshModel() {
+    // Pending edits go to the workbook first: the fresh screen reads the records from it.
+    if (!SaveBeforeClosing()) return nullptr;
+    auto fresh = screens::MakeScreen(model_->Name());
+    const std::string path = model_->Source() ? model_->WorkbookPath() : std::string();
+    const int record = model_->Record();
+    try {
+        if (!path.empty()) {
+            fresh->OpenWorkbook(path);
+            if (record >= 1 && record <= fresh->RecordCount()) fresh->MoveTo(record);
+        }
+    } catch (const Fault& f) {
+        prompter_.Fault(this, Q(f.what()));
+        return nullptr;
+    }
+    return fresh;
+}
+
+void ScreenWindow::ReplaceModel(std::unique_ptr<forms::Screen> fresh) {
+    auto* view = new ScreenView(*fresh, prompter_, this);
+    ScreenView* old = view_;
+    splitter_->replaceWidget(splitter_->indexOf(old), view);
+    view_ = view;
+    delete old;  // before its model
+    model_ = std::move(fresh);
+    chart_owner_.clear();
+    ConnectView();
+    emit viewReplaced();
+    Update();
+}
+
+void ScreenWindow::ResetScreen() {
+    auto fresh = FreshModel();
+    if (!fresh) return;
+    ReplaceModel(std::move(fresh));
+    statusBar()->showMessage(QStringLiteral("Pantalla reiniciada: como al abrirla, en el mismo registro."),
+                             5000);
+}
+
+void ScreenWindow::ComputeReach() {
+    const screens::ReachControls* controls = screens::ReachControlsOf(*model_);
+    if (!controls) return;
+    if (!model_->Source()) {
+        prompter_.Note(this,
+                       QStringLiteral("Para calcular el tramo, abra su libro: Archivo > Abrir libro..."));
+        return;
+    }
+    const bool final_depth = model_->Name() == "Form3";
+    const QString depth_name = final_depth ? QStringLiteral("Y final") : QStringLiteral("Y inicial");
+    QString depth = Q(model_->Get(controls->depth_box).text).trimmed();
+    for (;;) {
+        if (depth.isEmpty() || forms::Val(depth.toStdString()) == 0) {
+            depth =
+                prompter_
+                    .Text(
+                        this,
+                        QStringLiteral("Profundidad %1 en la última sección del tramo (m):").arg(depth_name),
+                        QString())
+                    .trimmed();
+            if (depth.isEmpty()) return;
+        }
+        depth = view_->ConvertPasted(depth);
+        const auto read = ReadInPart(depth.toStdString());
+        if (!read && forms::Val(depth.toStdString()) > 0) break;
+        prompter_.Fault(this,
+                        QStringLiteral("\u00ab%1\u00bb no es una profundidad: escriba un número mayor que "
+                                       "cero, en metros.")
+                            .arg(depth));
+        depth.clear();
+    }
+    auto fresh = FreshModel();
+    if (!fresh) return;
+    const screens::ReachPlan plan = screens::PlanReach(*fresh->Source());
+    if (!plan.error.empty()) {
+        prompter_.Fault(this, Q(plan.error));
+        return;
+    }
+    ReplaceModel(std::move(fresh));
+    QString problems = view_->RunReach(plan.records, depth.toStdString());
+    for (const auto& n : plan.notices)
+        problems += (problems.isEmpty() ? QString() : QStringLiteral("\n")) + Q(n);
+    Update();
+    if (!problems.isEmpty()) prompter_.Fault(this, problems);
+    statusBar()->showMessage(QStringLiteral("Tramo calculado: %1 secciones y el perfil con %2 = %3 m.")
+                                 .arg(plan.records.size())
+                                 .arg(depth_name, depth),
+                             10000);
+}
+
 void ScreenWindow::Update() {
     const auto points = ProfileOf(*model_);
     if (!points.empty()) {
         chart_->Show(points);
         if (chart_->isHidden()) {
-            // The plot goes beside the screen, which keeps its size.
+            // The plot goes beside the screen, which keeps its size when the screen has room; the
+            // window never grows past the available area, and then the two share it.
             const int screen_width = view_->width();
             chart_->show();
             if (!isMaximized() && !isFullScreen()) resize(width() + screen_width * 3 / 5, height());
-            splitter_->setSizes({screen_width, screen_width * 3 / 5});
+            FitTo(Available());
+            const int total = splitter_->width();
+            splitter_->setSizes({total * 5 / 8, total * 3 / 8});
         }
     } else if (!chart_->isHidden()) {
         chart_->hide();
     }
+    chart_->SetStale(!chart_owner_.isEmpty() && view_->StaleFrom(chart_owner_.toStdString()));
     QString status;
     if (model_->HasData()) {
         status = model_->Source()
@@ -137,6 +289,11 @@ void ScreenWindow::Update() {
                            .arg(QDir::toNativeSeparators(Q(model_->WorkbookPath())), Q(model_->Sheet()))
                      : QStringLiteral("Sin libro: Archivo > Abrir libro...");
     }
+    if (view_->AnyStale())
+        status = QStringLiteral(
+                     "Resultados desactualizados (en gris): cambió un dato después de calcularlos. "
+                     "Vuelva a calcular (F5 calcula el tramo).") +
+                 (status.isEmpty() ? QString() : QStringLiteral(" · ") + status);
     status_->setText(status);
 }
 

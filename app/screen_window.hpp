@@ -38,11 +38,28 @@ class ScreenWindow : public QMainWindow {
     void CopyTable();
     void PasteTable();
 
+    // "Calcular el tramo" (F5): on a fresh screen, "(Y?)" on every record (section N last) and then
+    // "Perfiles" with the depth of its box, asked for when the box is empty.
+    void ComputeReach();
+    // "Reiniciar la pantalla" (Ctrl+R): the screen as it opens, on the same workbook and record.
+    void ResetScreen();
+    // Keeps the window, and the plot beside the screen, within the available area.
+    void FitTo(const QRect& available);
+
+  signals:
+    void viewReplaced();  // ResetScreen or ComputeReach gave the window a fresh screen and view
+
   protected:
     void closeEvent(QCloseEvent* event) override;
 
   private:
     void BuildMenus();
+    void BuildComputeMenu();
+    void ConnectView();
+    // A fresh model of this screen on the workbook and record shown; nullptr (and a message) if not.
+    std::unique_ptr<forms::Screen> FreshModel();
+    void ReplaceModel(std::unique_ptr<forms::Screen> fresh);
+    QRect Available() const;
     void Update();  // after a click or a record move: plot, status line
 
     std::unique_ptr<forms::Screen> model_;
@@ -52,6 +69,7 @@ class ScreenWindow : public QMainWindow {
     ProfileChart* chart_ = nullptr;
     QSplitter* splitter_ = nullptr;
     QLabel* status_ = nullptr;
+    QString chart_owner_;  // the button whose click drew the plot
 };
 
 }  // namespace cauce::app

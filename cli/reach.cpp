@@ -8,6 +8,7 @@
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
 #include "screens/natural_screen.hpp"
+#include "screens/reach_run.hpp"
 #include "screens/registry.hpp"
 
 #ifdef CAUCE_HAS_WORKBOOK
@@ -19,7 +20,9 @@ namespace cauce::cli {
 
 namespace {
 
-std::string T(int n) { return "Text" + std::to_string(n); }
+std::string T(int n) {
+    return "Text" + std::to_string(n);
+}
 
 // The boxes of each profile screen that the run types into and reads from.
 struct Boxes {
@@ -29,29 +32,22 @@ struct Boxes {
     int type0, zw0, v0, ysoc0;  // box of row j is Text(base + j); type boxes are Text(type0 + 2j); 0: none
 };
 
-const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95", "Text96", "Text97",
-                          30, 62, 77, 0};
-const Boxes kScourBoxes{"Text128", "Label5", "Text129", "Text130", "Text123", "Text124", "Text125", "Text126",
-                        "Text127", 0, 75, 90, 105};
+const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95",
+                          "Text96", "Text97",  30,       62,        77,       0};
+const Boxes kScourBoxes{"Text128", "Label5",  "Text129", "Text130", "Text123", "Text124", "Text125",
+                        "Text126", "Text127", 0,         75,        90,        105};
 
-const Boxes& BoxesOf(const ReachKind& kind) { return kind.scour ? kScourBoxes : kProfileBoxes; }
+const Boxes& BoxesOf(const ReachKind& kind) {
+    return kind.scour ? kScourBoxes : kProfileBoxes;
+}
 
 std::string Trim(std::string_view s) {
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
     std::string out(s);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return out;
-}
-
-// A box's number as the screen reads it; a text that overflows reads as nothing usable.
-bool WholeNumber(const std::string& text, int& out) {
-    try {
-        out = forms::CInt(forms::Val(text));
-        return true;
-    } catch (const Fault&) {
-        return false;
-    }
 }
 
 // The message the section table of section i gave when "(Y?)" built it, read from the level tables
@@ -95,8 +91,9 @@ SectionInput ReadInput(const forms::Screen& s, const ReachKind& kind) {
     return in;
 }
 
-// "(Y?)" on the record shown.
-SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record) {
+// What "(Y?)" on the record shown gave.
+SectionResult ReadSection(const forms::Screen& s, const ReachKind& kind, int record,
+                          const std::optional<std::string>& fault) {
     const Boxes& b = BoxesOf(kind);
     const auto& model = dynamic_cast<const screens::NaturalScreen&>(s);
     SectionResult r;
@@ -106,7 +103,6 @@ SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record
     } catch (const Fault&) {
         // A level box that overflows: "(Y?)" below reports the fault.
     }
-    const auto fault = s.Click("Command2");
     const natural::State& st = model.State();
     r.section = st.i;
     const std::string message = s.Get("Label31").text;
@@ -145,63 +141,6 @@ SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record
     return r;
 }
 
-// The order of the clicks: the sections below N in the sheet's order, then the record of section N
-// (or, lacking it, the first numbered above N): that click hands over to "Perfiles", and the screen
-// computes no section after it.
-struct Plan {
-    std::vector<int> records;
-    std::vector<std::string> notices;
-    std::string error;
-};
-
-Plan PlanClicks(const forms::RecordSource& src) {
-    Plan plan;
-    // The record that hands over to "Perfiles" (section N, else the first numbered above N), and
-    // those left out because of it: record, section number, N.
-    struct Numbered {
-        int record = 0, i = 0, n = 0;
-    };
-    Numbered last;
-    std::vector<Numbered> late;
-    for (int r = 1; r <= src.RecordCount(); ++r) {
-        const std::string secid = src.HasColumn("SecId") ? src.Get(r, "SecId") : "";
-        const std::string count = src.HasColumn("No# secciones") ? src.Get(r, "No# secciones") : "";
-        int i = 0, n = 0;
-        if (!WholeNumber(secid, i) || !WholeNumber(count, n)) {
-            plan.notices.push_back("El registro " + std::to_string(r) +
-                                   " no tiene un número de sección válido: no se calcula.");
-            continue;
-        }
-        if (Trim(secid).empty() && Trim(count).empty()) continue;  // an empty row
-        if (n < 1) {
-            plan.notices.push_back("El registro " + std::to_string(r) + " (sección " + secid +
-                                   ") no dice el número de secciones: no se calcula.");
-            continue;
-        }
-        const Numbered here{r, i, n};
-        if (i < n) {
-            plan.records.push_back(r);
-        } else if (last.record == 0 || (i == n && last.i != last.n)) {
-            if (last.record != 0) late.push_back(last);
-            last = here;
-        } else {
-            late.push_back(here);
-        }
-    }
-    std::sort(late.begin(), late.end(), [](const Numbered& a, const Numbered& b) { return a.record < b.record; });
-    for (const auto& l : late)
-        plan.notices.push_back("El registro " + std::to_string(l.record) + " (sección " + std::to_string(l.i) +
-                               ") no se calcula: el tramo termina en la sección " + std::to_string(last.i) +
-                               ", que activa \"Perfiles\".");
-    if (last.record == 0) {
-        plan.error =
-            "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se activa.";
-        return plan;
-    }
-    plan.records.push_back(last.record);
-    return plan;
-}
-
 }  // namespace
 
 const std::vector<ReachKind>& ReachKinds() {
@@ -220,7 +159,9 @@ const ReachKind* KindOfSheet(std::string_view sheet) {
     return nullptr;
 }
 
-std::string KindList() { return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)"; }
+std::string KindList() {
+    return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)";
+}
 
 std::string DefaultSheet(const std::string& path, std::string& why) {
 #ifdef CAUCE_HAS_WORKBOOK
@@ -231,8 +172,8 @@ std::string DefaultSheet(const std::string& path, std::string& why) {
             if (std::find(names.begin(), names.end(), k.sheet) != names.end()) return k.sheet;
         std::string list;
         for (const auto& n : names) list += (list.empty() ? "\"" : ", \"") + n + "\"";
-        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() + "); sus hojas son " +
-              (list.empty() ? "ninguna" : list) + ".";
+        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() +
+              "); sus hojas son " + (list.empty() ? "ninguna" : list) + ".";
     } catch (const Fault& f) {
         why = f.what();
     }
@@ -253,15 +194,16 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
     }
     res.kind = KindOfSheet(sheet);
     if (!res.kind) {
-        res.error = "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
+        res.error =
+            "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
         return res;
     }
     const ReachKind& kind = *res.kind;
     const Boxes& b = BoxesOf(kind);
     res.depth = kind.scour ? options.y_final : options.y_initial;
     if (res.depth.empty()) {
-        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " + kind.option +
-                    ": el tirante en la última sección.";
+        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " +
+                    kind.option + ": el tirante en la última sección.";
         return res;
     }
 
@@ -270,17 +212,16 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
         screen->OpenWorkbook(path);
         res.file = screen->WorkbookPath();
         if (!screen->Notice().empty()) res.notices.push_back(screen->Notice());
-        const Plan plan = PlanClicks(*screen->Source());
+        const screens::ReachPlan plan = screens::PlanReach(*screen->Source());
         for (const auto& n : plan.notices) res.notices.push_back(n);
         if (!plan.error.empty()) {
             res.error = plan.error;
             return res;
         }
-        for (const int record : plan.records) {
-            screen->MoveTo(record);
-            res.sections.push_back(ComputeSection(*screen, kind, record));
+        screens::ComputeSections(*screen, plan, [&](int record, const std::optional<std::string>& fault) {
+            res.sections.push_back(ReadSection(*screen, kind, record, fault));
             if (observer) observer(*screen, &res.sections.back());
-        }
+        });
     } catch (const Fault& f) {
         res.error = f.what();
         return res;
@@ -292,9 +233,8 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
         return res;
     }
 
-    screen->Type(b.depth, res.depth);
     const std::string before = screen->Get("Label31").text;
-    if (const auto fault = screen->Click("Command1")) {
+    if (const auto fault = screens::RunProfile(*screen, res.depth)) {
         res.error = "El cálculo del perfil se detuvo: " + *fault;
         return res;
     }

@@ -12,16 +12,25 @@ namespace {
 SourceOpener g_opener = nullptr;
 }
 
-void SetSourceOpener(SourceOpener opener) { g_opener = opener; }
-SourceOpener GetSourceOpener() { return g_opener; }
+void SetSourceOpener(SourceOpener opener) {
+    g_opener = opener;
+}
+SourceOpener GetSourceOpener() {
+    return g_opener;
+}
 
 const char* KindName(Kind kind) {
     switch (kind) {
-        case Kind::TextBox: return "TextBox";
-        case Kind::Label: return "Label";
-        case Kind::CommandButton: return "CommandButton";
-        case Kind::PictureBox: return "PictureBox";
-        case Kind::Data: return "Data";
+        case Kind::TextBox:
+            return "TextBox";
+        case Kind::Label:
+            return "Label";
+        case Kind::CommandButton:
+            return "CommandButton";
+        case Kind::PictureBox:
+            return "PictureBox";
+        case Kind::Data:
+            return "Data";
     }
     return "";
 }
@@ -45,10 +54,13 @@ const Control& Screen::Get(std::string_view name) const {
     return *c;
 }
 
-Control& Screen::Mut(std::string_view name) { return const_cast<Control&>(Get(name)); }
+Control& Screen::Mut(std::string_view name) {
+    return const_cast<Control&>(Get(name));
+}
 
 void Screen::Set(std::string_view name, std::string text) {
     Control& c = Mut(name);
+    if (!filling_) ++c.writes;
     if (c.text == text) return;
     c.text = std::move(text);
     if (!filling_ && c.kind == Kind::TextBox && !c.column.empty() && source_ && source_->HasColumn(c.column))
@@ -61,9 +73,13 @@ void Screen::Type(std::string_view name, std::string text) {
     Set(name, std::move(text));
 }
 
-double Screen::ValOf(std::string_view name) const { return Val(Text(name)); }
+double Screen::ValOf(std::string_view name) const {
+    return Val(Text(name));
+}
 
-void Screen::OnClick(std::string name, std::function<void()> handler) { handlers_[std::move(name)] = std::move(handler); }
+void Screen::OnClick(std::string name, std::function<void()> handler) {
+    handlers_[std::move(name)] = std::move(handler);
+}
 
 std::optional<std::string> Screen::Click(std::string_view name) {
     const Control& c = Get(name);
@@ -82,7 +98,9 @@ std::optional<std::string> Screen::Click(std::string_view name) {
 
 // --- record binding ---------------------------------------------------------------------------
 
-int Screen::RecordCount() const { return source_ ? source_->RecordCount() : 0; }
+int Screen::RecordCount() const {
+    return source_ ? source_->RecordCount() : 0;
+}
 
 std::string Screen::RecordPosition() const {
     if (!source_) return "";
@@ -110,7 +128,8 @@ void Screen::OpenWorkbook(const std::string& path) {
     save_note_.clear();
     if (!missing.empty()) {
         std::string names;
-        const std::size_t shown = missing.size() > 8 ? 6 : missing.size();  // a sheet of another kind lacks dozens
+        const std::size_t shown =
+            missing.size() > 8 ? 6 : missing.size();  // a sheet of another kind lacks dozens
         for (std::size_t i = 0; i < shown; ++i) names += (names.empty() ? "\"" : ", \"") + missing[i] + "\"";
         if (shown < missing.size()) names += " y " + std::to_string(missing.size() - shown) + " más";
         notice_ = "La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene " +
@@ -166,7 +185,8 @@ std::string Screen::SavePending() {
 void Screen::MoveTo(int record) {
     if (!source_) raise("No hay un libro abierto en esta pantalla");
     const int count = source_->RecordCount();
-    if (count == 0) raise("La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene registros");
+    if (count == 0)
+        raise("La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene registros");
     if (record < 1 || record > count)
         raise("El registro " + std::to_string(record) + " no existe: la hoja tiene " + std::to_string(count) +
               " registros");

@@ -53,9 +53,15 @@ class RecordingPrompter : public app::Prompter {
         return path;
     }
 
+    QString Text(QWidget*, const QString& question, const QString&) override {
+        questions << question;
+        return text;
+    }
+
     QStringList faults, notes, questions, starts;
     bool answer = false;
     QString path;
+    QString text;  // the answer to Text ("" cancels)
 };
 
 // The level table, roughness, slope and discharge of one Form2 section, as a row of its sheet.
