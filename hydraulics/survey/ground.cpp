@@ -61,9 +61,14 @@ std::string NumberWords(double value) {
 // Inputs: the points as read, left to right. Output: the ground with repeated points merged, its
 // bed and top, and warnings. Purpose: refuse, naming the line, what no channel can be made of.
 Ground CheckGround(std::vector<Point> points) {
+    if (points.size() > kMaxPoints)
+        raise("El levantamiento tiene " + std::to_string(points.size()) + " puntos; el máximo es " +
+              std::to_string(kMaxPoints) + ".");
     for (const Point& p : points)
-        if (!std::isfinite(p.x) || !std::isfinite(p.z))
-            raise(Capital(Where(p)) + ": la abscisa y la cota deben ser números.");
+        if (!std::isfinite(p.x) || !std::isfinite(p.z) || std::abs(p.x) > kMaxCoordinate ||
+            std::abs(p.z) > kMaxCoordinate)
+            raise(Capital(Where(p)) + ": la abscisa y la cota deben ser números de metros entre -" +
+                  NumberWords(kMaxCoordinate) + " y " + NumberWords(kMaxCoordinate) + ".");
     Ground g;
     for (const Point& p : points) {
         if (!g.points.empty() && g.points.back().x == p.x && g.points.back().z == p.z) {

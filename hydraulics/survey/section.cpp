@@ -106,8 +106,8 @@ Section SectionFromSurvey(std::vector<Point> points, int max_levels) {
     for (std::size_t k : ChooseLevels(p, widths, max_levels))
         s.levels.push_back({p.z[k], ToMillimetre(widths[k])});
     const Differences d = Compare(p, s.levels);
-    s.area_error = d.area;
-    s.perimeter_error = d.perimeter;
+    s.area_error = Finite(d.area);
+    s.perimeter_error = Finite(d.perimeter);
     Warn(p, s.warnings);
     for (const Level& l : s.levels)
         if (l.z == 0)

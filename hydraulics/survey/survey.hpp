@@ -32,6 +32,10 @@ struct Level {
 
 // The most levels the screens hold.
 inline constexpr int kMaxLevels = 15;
+// The most points of a survey (the choice of levels grows with the square of their elevations) and
+// the largest abscissa or elevation, in metres, far beyond any real survey.
+inline constexpr std::size_t kMaxPoints = 5000;
+inline constexpr double kMaxCoordinate = 1e6;
 
 // The ground checked and cleaned: consecutive repeated points merged, bed and top found.
 struct Ground {
@@ -64,8 +68,8 @@ struct Section {
 };
 
 // Checks the points and finds the bed and top. Raises a Fault with a Spanish message naming the
-// line at fault: fewer than 3 points, a point that is not finite, abscissas that go back so that
-// the ground crosses itself, a last abscissa not beyond the first, an end not above the bed.
+// line at fault: fewer than 3 points or more than kMaxPoints, a coordinate out of range, abscissas that go
+// back so that the ground crosses itself, a last abscissa not beyond the first, an end not above the bed.
 Ground CheckGround(std::vector<Point> points);
 
 // The survey's geometry between its bed and top (see Profile).

@@ -310,6 +310,10 @@ TEST(SurveySection, BadSurveysAreRefusedNamingTheLine) {
          "derecha."},
         {Pts({{0, 105}, {5, 100}, {5, 103}, {5, 101}, {10, 105}}), 15,
          "Línea 4: el perfil vuelve sobre sí mismo en la abscisa 5; los puntos van de izquierda a derecha."},
+        {Pts({{0, 105}, {5, 2e6}, {10, 105}}), 15,
+         "Línea 2: la abscisa y la cota deben ser números de metros entre -1000000 y 1000000."},
+        {std::vector<Point>(5001, Point{0, 100, 1}), 15,
+         "El levantamiento tiene 5001 puntos; el máximo es 5000."},
         {Pts({{0, 105}, {5, 100}, {10, 105}}), 1, "El número de niveles va de 2 a 15; se pidieron 1."},
         {Pts({{0, 105}, {5, 100}, {10, 105}}), 16, "El número de niveles va de 2 a 15; se pidieron 16."},
     };
