@@ -110,7 +110,9 @@ class SeccionTopografica : public QObject {
         QCOMPARE(Books()["rios.xlsx"]->saves, 1);
         QVERIFY(prompter.faults.isEmpty());
 
-        // Form1 has no level table: the entry is there but disabled.
+        // Every natural-section screen has the level table; Form1 has none, and its entry is disabled.
+        for (std::string_view name : screens::ScreenNames())
+            QCOMPARE(app::HasLevelTable(*screens::MakeScreen(name)), name != "Form1");
         app::ScreenWindow* f1 = desktop.Open("Form1");
         QVERIFY(
             !MenuAction(f1, QStringLiteral("Edición"), QStringLiteral("Sección desde puntos topográficos..."))

@@ -164,15 +164,10 @@ TEST(SurveySection, AreaAndPerimeterAgainstAnIndependentIntegration) {
         if (c.exact) {
             EXPECT_LE(s.area_error, 1e-9);
         }
-    }
-}
-
-TEST(SurveySection, LargeSurveysStayCloseWithFifteenLevels) {
-    for (int n : {40, 200}) {
-        const survey::Section s = survey::SectionFromSurvey(NaturalBed(n));
-        EXPECT_EQ(s.levels.size(), 15u) << n;
-        EXPECT_LT(s.area_error, 0.03) << n;
-        EXPECT_GT(s.elevations, 15) << n;
+        if (std::string(c.name).rfind("natural", 0) == 0) {  // many elevations: all 15 levels, close
+            EXPECT_EQ(s.levels.size(), 15u);
+            EXPECT_LT(s.area_error, 0.03);
+        }
     }
 }
 
