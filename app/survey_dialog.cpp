@@ -200,8 +200,10 @@ SurveyDialog::SurveyDialog(forms::Screen& screen, QWidget* parent) : QDialog(par
     all->addWidget(buttons);
     resize(980, 620);
 
-    connect(points_, &QTableWidget::cellChanged, this, [this] {
-        if (!filling_) Recompute();
+    connect(points_, &QTableWidget::cellChanged, this, [this](int row) {
+        if (filling_) return;
+        if (row == points_->rowCount() - 1) points_->insertRow(points_->rowCount());  // room to type on
+        Recompute();
     });
     connect(count_, &QSpinBox::valueChanged, this, [this] { Recompute(); });
     connect(paste, &QPushButton::clicked, this, [this] { PasteText(QGuiApplication::clipboard()->text()); });
