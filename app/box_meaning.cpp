@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cctype>
 
+#include "screens/form1.hpp"
+#include "screens/form3.hpp"
+#include "screens/profile_screen.hpp"
+
 namespace cauce::app {
 
 namespace {
@@ -33,17 +37,19 @@ bool SameRow(const forms::Place& a, const forms::Place& b) {
 // Boxes whose caption is blank until a click writes it: the name a sighted user would give them.
 struct BlankCaption {
     const char* screen;
-    const char* box;
+    forms::ControlName box;
     const char* caption;
 };
 constexpr BlankCaption kBlankCaptions[] = {
-    {"Form2", "Text98", "Yinicial"},
-    {"Form4", "Text98", "Yinicial"},
-    {"Form3", "Text128", "Yfinal"},
-    {"Form1", "Text14", "Q lleno"},
+    {"Form2", screens::profile::box::StartDepth, "Yinicial"},
+    {"Form4", screens::profile::box::StartDepth, "Yinicial"},
+    {"Form3", screens::form3::box::FinalDepth, "Yfinal"},
+    {"Form1", screens::form1::box::BankfullDischarge, "Q lleno"},
 };
 
-constexpr const char* kMessageLabels[] = {"Label31", "Label21", "Label26"};
+// The screens' message lines, and the flood-zone heading that also shows the level table's errors.
+constexpr forms::ControlName kMessageLabels[] = {
+    screens::section::label::Message, screens::form1::label::Message, screens::section::label::FloodZone};
 
 struct CaptionUnit {
     const char* caption;
@@ -151,7 +157,8 @@ std::string UnitOfCaption(std::string_view caption) {
 
 bool IsMessageLabel(const forms::Screen& screen, std::string_view label) {
     (void)screen;
-    return std::find(std::begin(kMessageLabels), std::end(kMessageLabels), label) != std::end(kMessageLabels);
+    return std::any_of(std::begin(kMessageLabels), std::end(kMessageLabels),
+                       [label](forms::ControlName m) { return m == label; });
 }
 
 BoxMeaning MeaningOf(const forms::Screen& screen, const Control& box, const std::vector<BoxTable>& tables) {
@@ -190,7 +197,7 @@ BoxMeaning MeaningOf(const forms::Screen& screen, const Control& box, const std:
     std::string caption = row_caption;
     if (caption.empty())
         for (const auto& b : kBlankCaptions)
-            if (screen.Name() == b.screen && box.name == b.box) caption = b.caption;
+            if (screen.Name() == b.screen && b.box == box.name) caption = b.caption;
     m.unit = UnitOfCaption(caption);
     if (row_label && !caption.empty()) {
         // A caption that appears twice ("Rugosidad" of the channel and of the flood zone) takes the

@@ -21,6 +21,7 @@
 #include "hydraulics/fault.hpp"
 #include "screens/natural_screen.hpp"
 #include "screens/reach_run.hpp"
+#include "screens/registry.hpp"
 
 namespace cauce::app {
 
@@ -170,7 +171,7 @@ void ScreenView::Refresh() {
                 break;
             case Kind::PictureBox:
                 static_cast<FigureWidget*>(w)->SetPicture(
-                    c.text, c.name == "Picture1" ? SketchOf(model_) : std::nullopt);
+                    c.text, c.name == screens::kSectionPicture ? SketchOf(model_) : std::nullopt);
                 break;
             case Kind::Data:
                 navigator_->Show(text, model_.Record(), model_.RecordCount(), model_.Source() != nullptr);
@@ -288,16 +289,18 @@ void ScreenView::Typed(const std::string& name, const QString& text) {
     stale_.erase(name);
     // The depth the profile starts from is the profile's alone; any other datum may feed every result.
     const screens::ReachControls* reach = screens::ReachControlsOf(model_);
-    const bool profile_depth = reach && name == reach->depth_box;
+    const bool profile_depth = reach && name == reach->depth;
     for (const auto& [control, button] : owner_)
-        if (!profile_depth || button == reach->profile_button) stale_.insert(control);
+        if (!profile_depth || button == std::string(screens::section::button::Profiles))
+            stale_.insert(control);
     for (const auto& button : clicked_)
-        if (!profile_depth || button == reach->profile_button) edited_after_.insert(button);
+        if (!profile_depth || button == std::string(screens::section::button::Profiles))
+            edited_after_.insert(button);
     for (const auto& c : model_.Controls()) Decorate(c, widgets_.at(c.name));
     if (stale_.size() != was) emit staleChanged();
     // The picture follows the boxes it is drawn from.
-    if (auto* picture = Picture("Picture1"))
-        picture->SetPicture(model_.Get("Picture1").text, SketchOf(model_));
+    if (auto* picture = Picture(screens::kSectionPicture))
+        picture->SetPicture(model_.Get(screens::kSectionPicture).text, SketchOf(model_));
 }
 
 void ScreenView::MarkReading(QLineEdit* box) {
@@ -379,9 +382,9 @@ void ScreenView::MarkTableError() {
         if (i < 0 || i > 50) return;
         for (int j = 2; j <= st.npts(i) && boxes.empty(); ++j) {
             if (st.Yj(i, j) - st.Yj(i, j - 1) <= 0) {
-                boxes = {"Text" + std::to_string(2 * j - 3), "Text" + std::to_string(2 * j - 1)};
+                boxes = {screens::section::LevelElevation(j - 1), screens::section::LevelElevation(j)};
             } else if (st.m(i, j) < 0) {
-                boxes = {"Text" + std::to_string(2 * j - 2), "Text" + std::to_string(2 * j)};
+                boxes = {screens::section::LevelWidth(j - 1), screens::section::LevelWidth(j)};
             }
         }
     } catch (const Fault&) {
@@ -478,7 +481,7 @@ QString ScreenView::RunReach(const std::vector<int>& records, const std::string&
         screens::ComputeSections(model_, plan, [&](int record, const std::optional<std::string>& fault) {
             const int i = natural ? natural->State().i : 0;
             sections_pressed_.insert(i);
-            AfterClick(controls->section_button, before);
+            AfterClick(std::string(screens::section::button::Section), before);
             MarkTableError();
             if (fault)
                 faults << QStringLiteral("Sección %1 (registro %2): %3")
@@ -487,23 +490,24 @@ QString ScreenView::RunReach(const std::vector<int>& records, const std::string&
                               .arg(Q(WordFault(*fault, kSectionButton, Suspects(kSectionButton))));
             snapshot();
         });
-        if (model_.Get(controls->profile_button).text.empty()) {
+        if (model_.Get(std::string(screens::section::button::Profiles)).text.empty()) {
             faults << QStringLiteral(
                 "La última sección no se pudo calcular: \u00abPerfiles\u00bb no se activó.");
-        } else if (const QString refusal = CheckBeforeClick(controls->profile_button); !refusal.isEmpty()) {
+        } else if (const QString refusal = CheckBeforeClick(std::string(screens::section::button::Profiles));
+                   !refusal.isEmpty()) {
             faults << refusal;
         } else {
             snapshot();
             const auto fault = screens::RunProfile(model_, depth);
-            AfterClick(controls->profile_button, before);
-            owner_.erase(controls->depth_box);  // typed for the user: still an input
+            AfterClick(std::string(screens::section::button::Profiles), before);
+            owner_.erase(controls->depth);  // typed for the user: still an input
             if (fault) faults << Q(WordFault(*fault, kProfileButton, Suspects(kProfileButton)));
         }
     } catch (const Fault& f) {
         faults << Q(f.what());
     }
     Refresh();
-    emit pressed(Q(controls->profile_button));
+    emit pressed(Q(std::string(screens::section::button::Profiles)));
     return faults.join(QStringLiteral("\n\n"));
 }
 

@@ -17,6 +17,7 @@
 #include "app/dialogs.hpp"
 #include "app/profile_chart.hpp"
 #include "app/screen_view.hpp"
+#include "app/survey_dialog.hpp"
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
 #include "screens/reach_run.hpp"
@@ -141,6 +142,11 @@ void ScreenWindow::BuildMenus() {
     paste->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V));
     copy->setEnabled(!view_->Tables().empty());
     paste->setEnabled(!view_->Tables().empty());
+    edit->addAction(QStringLiteral("Sección desde puntos &topográficos..."), this,
+                    [this] {
+                        if (ShowSurveyDialog(*model_, this)) view_->Refresh();
+                    })
+        ->setEnabled(HasLevelTable(*model_));
 
     QMenu* screens = menuBar()->addMenu(QStringLiteral("&Pantallas"));
     for (std::string_view name : screens::ScreenNames()) {
@@ -224,7 +230,7 @@ void ScreenWindow::ComputeReach() {
     }
     const bool final_depth = model_->Name() == "Form3";
     const QString depth_name = final_depth ? QStringLiteral("Y final") : QStringLiteral("Y inicial");
-    QString depth = Q(model_->Get(controls->depth_box).text).trimmed();
+    QString depth = Q(model_->Get(controls->depth).text).trimmed();
     for (;;) {
         if (depth.isEmpty() || forms::Val(depth.toStdString()) == 0) {
             depth =

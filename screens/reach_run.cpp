@@ -5,6 +5,8 @@
 
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
+#include "screens/form3.hpp"
+#include "screens/profile_screen.hpp"
 
 namespace cauce::screens {
 
@@ -26,14 +28,11 @@ bool WholeNumber(const std::string& text, int& out) {
     }
 }
 
-constexpr ReachControls kProfileControls{"Command2", "Command1", "Text98", "Label32"};
-constexpr ReachControls kScourControls{"Command2", "Command1", "Text128", "Label5"};
-
 }  // namespace
 
 const ReachControls* ReachControlsOf(const forms::Screen& screen) {
-    if (screen.Name() == "Form2" || screen.Name() == "Form4") return &kProfileControls;
-    if (screen.Name() == "Form3") return &kScourControls;
+    if (screen.Name() == "Form2" || screen.Name() == "Form4") return &profile::kReach;
+    if (screen.Name() == "Form3") return &form3::kReach;
     return nullptr;
 }
 
@@ -88,11 +87,10 @@ ReachPlan PlanReach(const forms::RecordSource& src) {
 }
 
 void ComputeSections(forms::Screen& screen, const ReachPlan& plan, const SectionDone& done) {
-    const ReachControls* controls = ReachControlsOf(screen);
-    if (!controls) return;
+    if (!ReachControlsOf(screen)) return;
     for (const int record : plan.records) {
         screen.MoveTo(record);
-        const auto fault = screen.Click(controls->section_button);
+        const auto fault = screen.Click(section::button::Section);
         if (done) done(record, fault);
     }
 }
@@ -100,8 +98,8 @@ void ComputeSections(forms::Screen& screen, const ReachPlan& plan, const Section
 std::optional<std::string> RunProfile(forms::Screen& screen, const std::string& depth) {
     const ReachControls* controls = ReachControlsOf(screen);
     if (!controls) return std::nullopt;
-    screen.Type(controls->depth_box, depth);
-    return screen.Click(controls->profile_button);
+    screen.Type(controls->depth, depth);
+    return screen.Click(section::button::Profiles);
 }
 
 }  // namespace cauce::screens

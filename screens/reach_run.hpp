@@ -12,6 +12,7 @@
 
 #include "forms/binding.hpp"
 #include "forms/screen.hpp"
+#include "screens/natural_screen.hpp"
 
 namespace cauce::screens {
 
@@ -26,13 +27,7 @@ struct ReachPlan {
 // first numbered above N).
 ReachPlan PlanReach(const forms::RecordSource& source);
 
-// The controls of a reach run on a profile screen; nullptr for any other screen.
-struct ReachControls {
-    const char* section_button;  // "(Y?)"
-    const char* profile_button;  // "Perfiles"
-    const char* depth_box;       // the depth at the last section
-    const char* depth_label;     // "Incluya Y inicial" appears there
-};
+// The controls of a reach run on a profile screen (Form2, Form3, Form4); nullptr for any other.
 const ReachControls* ReachControlsOf(const forms::Screen& screen);
 
 // "(Y?)" on each record of the plan, moving to it first; `done` sees the screen after each click
