@@ -10,7 +10,7 @@
 #include "screens/natural_screen.hpp"
 #include "screens/registry.hpp"
 
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
 #include "workbook/data_folder.hpp"
 #include "workbook/workbook.hpp"
 #endif
@@ -19,7 +19,9 @@ namespace cauce::cli {
 
 namespace {
 
-std::string T(int n) { return "Text" + std::to_string(n); }
+std::string T(int n) {
+    return "Text" + std::to_string(n);
+}
 
 // The boxes of each profile screen that the run types into and reads from.
 struct Boxes {
@@ -29,18 +31,21 @@ struct Boxes {
     int type0, zw0, v0, ysoc0;  // box of row j is Text(base + j); type boxes are Text(type0 + 2j); 0: none
 };
 
-const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95", "Text96", "Text97",
-                          30, 62, 77, 0};
-const Boxes kScourBoxes{"Text128", "Label5", "Text129", "Text130", "Text123", "Text124", "Text125", "Text126",
-                        "Text127", 0, 75, 90, 105};
+const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95",
+                          "Text96", "Text97",  30,       62,        77,       0};
+const Boxes kScourBoxes{"Text128", "Label5",  "Text129", "Text130", "Text123", "Text124", "Text125",
+                        "Text126", "Text127", 0,         75,        90,        105};
 
-const Boxes& BoxesOf(const ReachKind& kind) { return kind.scour ? kScourBoxes : kProfileBoxes; }
+const Boxes& BoxesOf(const ReachKind& kind) {
+    return kind.scour ? kScourBoxes : kProfileBoxes;
+}
 
 std::string Trim(std::string_view s) {
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
     std::string out(s);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return out;
 }
 
@@ -188,14 +193,16 @@ Plan PlanClicks(const forms::RecordSource& src) {
             late.push_back(here);
         }
     }
-    std::sort(late.begin(), late.end(), [](const Numbered& a, const Numbered& b) { return a.record < b.record; });
+    std::sort(late.begin(), late.end(),
+              [](const Numbered& a, const Numbered& b) { return a.record < b.record; });
     for (const auto& l : late)
-        plan.notices.push_back("El registro " + std::to_string(l.record) + " (sección " + std::to_string(l.i) +
-                               ") no se calcula: el tramo termina en la sección " + std::to_string(last.i) +
-                               ", que activa \"Perfiles\".");
+        plan.notices.push_back("El registro " + std::to_string(l.record) + " (sección " +
+                               std::to_string(l.i) + ") no se calcula: el tramo termina en la sección " +
+                               std::to_string(last.i) + ", que activa \"Perfiles\".");
     if (last.record == 0) {
         plan.error =
-            "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se activa.";
+            "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se "
+            "activa.";
         return plan;
     }
     plan.records.push_back(last.record);
@@ -220,10 +227,12 @@ const ReachKind* KindOfSheet(std::string_view sheet) {
     return nullptr;
 }
 
-std::string KindList() { return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)"; }
+std::string KindList() {
+    return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)";
+}
 
 std::string DefaultSheet(const std::string& path, std::string& why) {
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
     try {
         const auto book = workbook::Workbook::Open(workbook::ResolveWorkbookPath(path));
         const auto names = book->SheetNames();
@@ -231,8 +240,8 @@ std::string DefaultSheet(const std::string& path, std::string& why) {
             if (std::find(names.begin(), names.end(), k.sheet) != names.end()) return k.sheet;
         std::string list;
         for (const auto& n : names) list += (list.empty() ? "\"" : ", \"") + n + "\"";
-        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() + "); sus hojas son " +
-              (list.empty() ? "ninguna" : list) + ".";
+        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() +
+              "); sus hojas son " + (list.empty() ? "ninguna" : list) + ".";
     } catch (const Fault& f) {
         why = f.what();
     }
@@ -253,15 +262,16 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
     }
     res.kind = KindOfSheet(sheet);
     if (!res.kind) {
-        res.error = "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
+        res.error =
+            "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
         return res;
     }
     const ReachKind& kind = *res.kind;
     const Boxes& b = BoxesOf(kind);
     res.depth = kind.scour ? options.y_final : options.y_initial;
     if (res.depth.empty()) {
-        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " + kind.option +
-                    ": el tirante en la última sección.";
+        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " +
+                    kind.option + ": el tirante en la última sección.";
         return res;
     }
 

@@ -77,7 +77,10 @@ void ReplaceFile(const fs::path& target, const std::string& bytes) {
         mode = st.st_mode & 07777;
     }
 
-    std::string temp = (folder / ("." + path.filename().string() + ".cauce-XXXXXX")).string();
+    std::string temp_name = ".";
+    temp_name += path.filename().string();
+    temp_name += ".cauce-XXXXXX";
+    std::string temp = (folder / temp_name).string();
     const int fd = ::mkstemp(temp.data());
     if (fd < 0) fail(SystemReason(errno));
     auto abandon = [&](int err) {
