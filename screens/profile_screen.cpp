@@ -19,7 +19,7 @@ std::string T(int n) {
 }  // namespace
 
 ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg)
-    : NaturalScreen(cfg.name, cfg.title, SectionBoxes{}) {
+    : NaturalScreen(cfg.name, cfg.title, section::stream_box::kAll) {
     BindSheet(cfg.sheet);
     // Reference layout 1000 x 720. Declaration order is the tab order.
     Add({"Label25",

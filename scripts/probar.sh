@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, then builds Cauce and checks it the way CI does, warnings as errors:
+# Installs what is missing, checks the C++ files' format, then builds Cauce and checks it the way CI
+# does, warnings as errors:
 #   build/        g++, Release with Debian's own flags added (dpkg-buildflags): every test, the
 #                 desktop tests on Qt's offscreen platform;
 #   the package   the .deb built from build/ with cpack, its contents listed, unpacked into a
@@ -28,6 +29,10 @@ fail() {
 
 step "Dependencias (apt-get, solo lo que falte)"
 bash scripts/instalar-dependencias.sh
+
+step "Formato de los archivos de C++ (.clang-format)"
+bash scripts/formato.sh --check
+
 jobs=$(nproc 2>/dev/null || echo 2)
 launcher=()
 if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
