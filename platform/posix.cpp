@@ -339,11 +339,18 @@ fs::path ExecutablePath() {
 
 ChildResult RunChild(const std::vector<std::string>& argv, std::chrono::milliseconds limit) {
     if (argv.empty()) Throw(EINVAL);
+    // Both ends close on exec, so that no other child started meanwhile holds the pipe open; the
+    // child's own standard output is a copy, which does not.
     int fds[2];
+#if defined(__linux__)
+    if (::pipe2(fds, O_CLOEXEC) != 0) Throw(errno);
+#else
     if (::pipe(fds) != 0) Throw(errno);
+    ::fcntl(fds[0], F_SETFD, FD_CLOEXEC);
+    ::fcntl(fds[1], F_SETFD, FD_CLOEXEC);
+#endif
     Fd read_end(fds[0]);
     Fd write_end(fds[1]);
-    ::fcntl(read_end.get(), F_SETFD, FD_CLOEXEC);
 
     // posix_spawn rather than fork: the caller may be a Qt application with threads.
     posix_spawn_file_actions_t actions;
@@ -351,7 +358,6 @@ ChildResult RunChild(const std::vector<std::string>& argv, std::chrono::millisec
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, write_end.get(), STDOUT_FILENO);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addclose(&actions, write_end.get());
     std::vector<char*> args;
     for (const std::string& a : argv) args.push_back(const_cast<char*>(a.c_str()));
     args.push_back(nullptr);
