@@ -6,7 +6,7 @@
 #include "cli/commands.hpp"
 #include "forms/guion.hpp"
 #include "screens/registry.hpp"
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
 #include "platform/platform.hpp"
 #include "workbook/legacy.hpp"
 #endif
@@ -14,7 +14,7 @@
 int main(int argc, char** argv) {
     using namespace cauce;
     if (argc == 1) return cli::RunDesktop(argc, argv);
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
     // The legacy .xls reader's child process (workbook/legacy.hpp), not a command for users.
     if (argc == 3 && std::string_view(argv[1]) == workbook::kLegacyReaderCommand) {
         platform::BinaryStandardOutput();

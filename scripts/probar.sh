@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds Cauce and runs every test through CTest, twice:
+# Installs what is missing, checks the C++ files' format, builds Cauce and runs every test through CTest, twice:
 #   build/      the program as shipped (g++), every test, the desktop tests on Qt's offscreen platform;
 #   build-san/  clang with AddressSanitizer and UndefinedBehaviorSanitizer: the test suite again, and a
 #               regression run of each libFuzzer target: its seed corpus, then CAUCE_FUZZ_RUNS mutations
@@ -7,6 +7,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/instalar-dependencias.sh
+bash scripts/formato.sh --check
 jobs=$(nproc 2>/dev/null || echo 2)
 
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
