@@ -6,7 +6,8 @@
 #   the package   the .deb built from build/ with cpack, its contents listed, unpacked into a
 #                 temporary folder and its cauce run on the bundled reach;
 #   build-san/    clang, RelWithDebInfo, AddressSanitizer and UndefinedBehaviorSanitizer: the test
-#                 suite again, and each libFuzzer target over its seed corpus;
+#                 suite again, and a regression run of each libFuzzer target: its seed corpus, then
+#                 CAUCE_FUZZ_RUNS mutations from a fixed seed, the same every time;
 #   build-mingw/  the core and the script driver cross-compiled for Windows with mingw-w64 (no
 #                 workbooks, no desktop), its screen scripts run under wine64 against the expected
 #                 output of the Linux build.
@@ -90,7 +91,7 @@ if [ -z "${CAUCE_SIN_SANITIZADORES:-}" ]; then
   step "build-san/: clang con AddressSanitizer y UndefinedBehaviorSanitizer"
   CC=clang CXX=clang++ cmake -S . -B build-san "${launcher[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DCAUCE_WERROR=ON -DCAUCE_GUI=OFF -DCAUCE_BENCH=OFF -DCAUCE_SANITIZE=ON -DCAUCE_FUZZ=ON \
-    -DCAUCE_FUZZ_SECONDS="${CAUCE_FUZZ_SECONDS:-20}"
+    -DCAUCE_FUZZ_RUNS="${CAUCE_FUZZ_RUNS:-2000}"
   cmake --build build-san -j"$jobs"
 
   step "build-san/: las pruebas y los objetivos de fuzzing sobre su corpus"
