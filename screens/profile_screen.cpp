@@ -8,13 +8,21 @@ namespace cauce::screens {
 using forms::Kind;
 
 namespace {
-std::string T(int n) { return "Text" + std::to_string(n); }
+std::string T(int n) {
+    return "Text" + std::to_string(n);
+}
 }  // namespace
 
-ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg) : NaturalScreen(cfg.name, cfg.title, section::stream_box::kAll) {
+ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg)
+    : NaturalScreen(cfg.name, cfg.title, section::stream_box::kAll) {
     BindSheet(cfg.sheet);
     // Reference layout 1000 x 720. Declaration order is the tab order.
-    Add({"Label25", Kind::Label, cfg.instruction + std::string(98, ' ') + cfg.instruction_tail, "", {10, 5, 600, 48}, true});
+    Add({"Label25",
+         Kind::Label,
+         cfg.instruction + std::string(98, ' ') + cfg.instruction_tail,
+         "",
+         {10, 5, 600, 48},
+         true});
     Add({"Label28", Kind::Label, "Seccion No.", "", {10, 60, 90, 22}});
     Add({"Text62", Kind::TextBox, "", "SecId", {100, 60, 50, 22}});
     Add({"Label22", Kind::Label, "No. Secciones", "", {170, 60, 100, 22}});
@@ -63,9 +71,9 @@ ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg) : NaturalScreen(cfg
     Add({"Picture2", Kind::PictureBox, "", "", {850, 5, 140, 150}});
     Add({"Data1", Kind::Data, cfg.caption, "", {10, 510, 480, 30}});
 
-    OnClick("Command2", [this] { SectionClick(); });
-    OnClick("Command1", [this] { Command1Click(); });
-    OnClick("Command3", [this] { Close(); });
+    OnClick(section::button::Section, [this] { SectionClick(); });
+    OnClick(section::button::Profiles, [this] { Command1Click(); });
+    OnClick(section::button::Exit, [this] { Close(); });
     FormLoad();
 }
 
