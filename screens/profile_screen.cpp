@@ -76,9 +76,9 @@ ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg)
     Add({"Picture2", Kind::PictureBox, "", "", {850, 5, 140, 150}});
     Add({"Data1", Kind::Data, cfg.caption, "", {10, 510, 480, 30}});
 
-    OnClick("Command2", [this] { SectionClick(); });
-    OnClick("Command1", [this] { Command1Click(); });
-    OnClick("Command3", [this] { Close(); });
+    OnClick(section::button::Section, [this] { SectionClick(); });
+    OnClick(section::button::Profiles, [this] { Command1Click(); });
+    OnClick(section::button::Exit, [this] { Close(); });
     FormLoad();
 }
 

@@ -6,6 +6,7 @@
 
 #include "forms/screen.hpp"
 #include "hydraulics/fault.hpp"
+#include "screens/profile_screen.hpp"
 
 namespace cauce::apptest {
 
@@ -117,6 +118,15 @@ std::map<std::string, std::string> SectionRow(int number, int count,
         row[Numbered("t", static_cast<int>(j) + 1)] = Text(levels[j].second);
     }
     return row;
+}
+
+std::vector<std::pair<std::string, std::string>> ReadmeRectangle() {
+    namespace profile = screens::profile;
+    return {{profile::box::SectionCount, "1"},   {profile::box::SectionNumber, "1"},
+            {profile::LevelElevation(1), "100"}, {profile::LevelWidth(1), "2"},
+            {profile::LevelElevation(2), "102"}, {profile::LevelWidth(2), "2"},
+            {profile::box::Roughness, "0.015"},  {profile::box::Slope, "0.001"},
+            {profile::box::Discharge, "2"}};
 }
 
 }  // namespace cauce::apptest
