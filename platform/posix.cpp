@@ -177,7 +177,10 @@ void ReplaceFile(const fs::path& target, std::string_view bytes,
     struct stat st {};
     if (::stat(target.c_str(), &st) == 0) mode = st.st_mode & 07777;
 
-    std::string temp = (folder / ("." + target.filename().string() + ".cauce-XXXXXX")).string();
+    std::string name = ".";
+    name += target.filename().string();
+    name += ".cauce-XXXXXX";
+    std::string temp = (folder / name).string();
     Fd fd(::mkostemp(temp.data(), O_CLOEXEC));
     if (fd.get() < 0) Throw(errno);
     try {
