@@ -124,7 +124,7 @@ int Report(const std::string& name, const Shown& s, Given given, Format format) 
     return kExitData;
 }
 
-int RunCanal(const Options& o) {
+int RunChannelCommand(const Options& o) {
     const Format format = ParseFormat(o.format, true);
     if (format == Format::Csv) throw UsageError("--formato: use texto o json");
     const auto [given, value] = GivenValue(o);
@@ -134,7 +134,7 @@ int RunCanal(const Options& o) {
     return Report("canal", ShownOnForm1(*screen, false, given), given, format);
 }
 
-int RunTubo(const Options& o) {
+int RunConduitCommand(const Options& o) {
     const Format format = ParseFormat(o.format, true);
     if (format == Format::Csv) throw UsageError("--formato: use texto o json");
     const auto [given, value] = GivenValue(o);
@@ -186,7 +186,7 @@ Command AddCanal(CLI::App& parent) {
         "  cauce canal --base 3 --talud 0 --rugosidad 0.013 --pendiente 0.002 --tirante 0.8\n"
         "  cauce canal --base 2 --talud 1 --rugosidad 0.015 --pendiente 0.001 --altura 1 \\\n"
         "              --ancho-zona 20 --rugosidad-zona 0.035 --caudal 15");
-    return {app, [] { return Guarded("canal", [] { return RunCanal(o); }); }};
+    return {app, [] { return Guarded("canal", [] { return RunChannelCommand(o); }); }};
 }
 
 Command AddTubo(CLI::App& parent) {
@@ -202,7 +202,7 @@ Command AddTubo(CLI::App& parent) {
         "Ejemplos:\n"
         "  cauce tubo --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --caudal 0.5\n"
         "  cauce tubo --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --tirante 0.6 --formato json");
-    return {app, [] { return Guarded("tubo", [] { return RunTubo(o); }); }};
+    return {app, [] { return Guarded("tubo", [] { return RunConduitCommand(o); }); }};
 }
 
 }  // namespace cauce::cli

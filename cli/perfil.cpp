@@ -31,7 +31,9 @@ nlohmann::ordered_json TextOrNull(const std::string& text) {
     return text;
 }
 
-bool Faulty(const SectionResult& s) { return s.faulty; }
+bool Faulty(const SectionResult& s) {
+    return s.faulty;
+}
 
 std::string SectionNotice(const SectionResult& s) {
     if (s.error.empty()) return s.notice;
@@ -65,8 +67,8 @@ void PrintText(std::ostream& out, const ReachResult& r) {
         out << "\nResultados por sección (\"(Y?)\")\n";
         TextTable t({"Registro", "Sección", "Yn m", "Yc m", "Q lleno m3/s", "Desborda", "Avisos"});
         for (const auto& s : r.sections)
-            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno, Overflow(s, "sí"),
-                   SectionNotice(s)});
+            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno,
+                   Overflow(s, "sí"), SectionNotice(s)});
         t.Print(out);
     }
     if (!r.profile.empty()) {
@@ -82,13 +84,16 @@ void PrintText(std::ostream& out, const ReachResult& r) {
         t.Print(out);
     }
     for (const auto& n : r.notices) out << "Aviso: " << n << "\n";
-    if (r.saved) out << "Tabla guardada en " << r.file << (r.save_note.empty() ? "" : " (" + r.save_note + ")") << "\n";
+    if (r.saved)
+        out << "Tabla guardada en " << r.file << (r.save_note.empty() ? "" : " (" + r.save_note + ")")
+            << "\n";
     if (!r.Ok()) out << "Error: " << r.error << "\n";
     out << "\n";
 }
 
 const char* kCsvHeader =
-    "libro,hoja,pantalla,registro,seccion,yn_m,yc_m,q_lleno_m3s,desborda,abscisa_m,tipo,z_agua_m,v_media_ms,ysoc_m,"
+    "libro,hoja,pantalla,registro,seccion,yn_m,yc_m,q_lleno_m3s,desborda,abscisa_m,tipo,z_agua_m,v_media_ms,"
+    "ysoc_m,"
     "aviso\n";
 
 void PrintCsv(std::ostream& out, const ReachResult& r) {
@@ -109,7 +114,10 @@ void PrintCsv(std::ostream& out, const ReachResult& r) {
         }
         f.push_back(j.section ? SectionNotice(*j.section) : "");
         std::string line;
-        for (const auto& field : f) line += (line.empty() ? "" : ",") + CsvField(field);
+        for (const auto& field : f) {
+            if (!line.empty()) line += ',';
+            line += CsvField(field);
+        }
         out << line << "\n";
     }
 }
@@ -137,8 +145,10 @@ nlohmann::ordered_json ToJson(const ReachResult& r) {
     j["secciones"] = sections;
     auto profile = nlohmann::ordered_json::array();
     for (const auto& p : r.profile) {
-        nlohmann::ordered_json row{{"seccion", p.section},       {"abscisa", NumberOrNull(p.chainage)},
-                                   {"tipo", TextOrNull(p.type)}, {"z_agua", NumberOrNull(p.zw)},
+        nlohmann::ordered_json row{{"seccion", p.section},
+                                   {"abscisa", NumberOrNull(p.chainage)},
+                                   {"tipo", TextOrNull(p.type)},
+                                   {"z_agua", NumberOrNull(p.zw)},
                                    {"v_media", NumberOrNull(p.v)}};
         if (r.scour) row["ysoc"] = NumberOrNull(p.ysoc);
         profile.push_back(row);
@@ -154,7 +164,9 @@ nlohmann::ordered_json ToJson(const ReachResult& r) {
 int Run(const Options& o) {
     const Format format = ParseFormat(o.format, true);
     if (o.y_initial.empty() && o.y_final.empty())
-        throw UsageError("falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones \")");
+        throw UsageError(
+            "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
+            "\")");
     if (!o.y_initial.empty()) NumberOption("--y-inicial", o.y_initial, Sign::Positive);
     if (!o.y_final.empty()) NumberOption("--y-final", o.y_final, Sign::Positive);
     if (!o.sheet.empty() && !KindOfSheet(o.sheet))
@@ -176,13 +188,19 @@ int Run(const Options& o) {
             if (!r.Ok()) std::cerr << "cauce perfil: " << o.books[b] << ": " << r.error << "\n";
             for (const auto& s : r.sections)
                 if (Faulty(s))
-                    std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección " << s.section
-                              << "): " << SectionNotice(s) << "\n";
+                    std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección "
+                              << s.section << "): " << SectionNotice(s) << "\n";
         }
         switch (format) {
-            case Format::Text: PrintText(std::cout, r); break;
-            case Format::Csv: PrintCsv(std::cout, r); break;
-            case Format::Json: json.push_back(ToJson(r)); break;
+            case Format::Text:
+                PrintText(std::cout, r);
+                break;
+            case Format::Csv:
+                PrintCsv(std::cout, r);
+                break;
+            case Format::Json:
+                json.push_back(ToJson(r));
+                break;
         }
         std::cout.flush();
     }
@@ -196,20 +214,30 @@ int Run(const Options& o) {
 
 Command AddPerfil(CLI::App& parent) {
     static Options o;
-    CLI::App* app = parent.add_subcommand("perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");
-    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")->required()->type_name("");
-    app->add_option("--hoja", o.sheet, "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
-                                       "sin ella, la primera de ellas que tenga el libro")
+    CLI::App* app = parent.add_subcommand(
+        "perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");
+    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")
+        ->required()
+        ->type_name("");
+    app->add_option("--hoja", o.sheet,
+                    "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
+                    "sin ella, la primera de ellas que tenga el libro")
         ->type_name("NOMBRE");
-    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");
-    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")->type_name("Y");
-    app->add_flag("--guardar", o.save, "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
+    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")
+        ->type_name("Y");
+    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")
+        ->type_name("Y");
+    app->add_flag("--guardar", o.save,
+                  "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
     app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
     app->footer(
-        "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al final),\n"
-        "luego el tirante y \"Perfiles\". Se imprimen por sección Yn, Yc, el caudal a banca llena y si desborda,\n"
+        "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al "
+        "final),\n"
+        "luego el tirante y \"Perfiles\". Se imprimen por sección Yn, Yc, el caudal a banca llena y si "
+        "desborda,\n"
         "y la tabla del perfil (abscisa, tipo, cota del agua, velocidad y, en Form3, socavación).\n"
-        "Sale con 0 si todo se calculó, 1 si un libro o una sección no se pudo calcular, 2 si la orden está mal.\n"
+        "Sale con 0 si todo se calculó, 1 si un libro o una sección no se pudo calcular, 2 si la orden está "
+        "mal.\n"
         "Ejemplos:\n"
         "  cauce perfil Rios.xlsx --y-inicial 1.8\n"
         "  cauce perfil Rios.xlsx --hoja Percanal --y-inicial 1.2 --formato csv > perfil.csv\n"

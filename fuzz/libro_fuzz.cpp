@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fz::Expect("memoria.xlsx", [&] { return wb::Workbook::FromBytes(bytes, "memoria.xlsx"); });
     if (bytes.compare(0, 8, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) != 0) {
         const std::string xls = dir.Write("libro.xls", bytes);
-        fz::Expect(xls, [&] { return wb::Workbook::FromBytes(wb::LegacyPackage(xls), xls); });
+        fz::Expect(xls, [&] { return wb::Workbook::FromBytes(wb::ReadLegacyBook(xls).package, xls); });
     }
     return 0;
 }

@@ -1,7 +1,7 @@
 // Every screen under random typing and clicking: no crash, no sanitizer report, no box or label
 // showing inf or nan that the fuzzer did not type itself, and every click finishes within its step
 // budget: the marches' budgets end a click, and one that still runs for seconds of processor time
-// (CAUCE_FUZZ_CLIC_SEGUNDOS, 3 unless set) is a failure that names the screen, the button and what
+// (CAUCE_FUZZ_CLICK_SECONDS, 3 unless set) is a failure that names the screen, the button and what
 // was typed. The input is read as a program: a screen, then operations.
 #include <time.h>
 
@@ -50,7 +50,7 @@ double CpuSeconds() {
 
 double ClickLimit() {
     static const double limit = [] {
-        const char* s = std::getenv("CAUCE_FUZZ_CLIC_SEGUNDOS");
+        const char* s = std::getenv("CAUCE_FUZZ_CLICK_SECONDS");
         return s && std::atof(s) > 0 ? std::atof(s) : 3.0;
     }();
     return limit;

@@ -125,13 +125,13 @@ std::string L(int n) {
 Form1::Form1() : Screen("Form1", "Cauce - Flujo uniforme en canales y conductos") {
     BindSheet("Canales");
     DeclareControls();
-    OnClick("Command1", [this] { Command1Click(); });
-    OnClick("Command2", [this] { Command2Click(); });
-    OnClick("Command4", [this] { Command4Click(); });
-    OnClick("Command5", [this] { Command5Click(); });
-    OnClick("Command6", [this] { Command6Click(); });
-    OnClick("Command7", [this] { Command7Click(); });
-    OnClick("Command3", [this] { Close(); });
+    OnClick(form1::button::Trapezoidal, [this] { Command1Click(); });
+    OnClick(form1::button::Circular, [this] { Command2Click(); });
+    OnClick(form1::button::NormalDepth, [this] { Command4Click(); });
+    OnClick(form1::button::Discharge, [this] { Command5Click(); });
+    OnClick(form1::button::ConduitNormalDepth, [this] { Command6Click(); });
+    OnClick(form1::button::ConduitDischarge, [this] { Command7Click(); });
+    OnClick(form1::button::Exit, [this] { Close(); });
     FormLoad();
 }
 

@@ -26,13 +26,15 @@ inline constexpr const char* kFaltaRugosidad = "Falta la Rugosidad";
 inline constexpr const char* kSinArea =
     "El área de flujo es nula con el tirante del perfil: el cálculo se detiene sin tabla (revise Y final)";
 
-std::string T(int n) { return "Text" + std::to_string(n); }
+std::string T(int n) {
+    return "Text" + std::to_string(n);
+}
 
 class Form3 : public NaturalScreen {
-public:
+  public:
     Form3();
 
-private:
+  private:
     bool Inicio() override;
     void LastSection() override;
     void Command1Click();  // "Perfiles"
@@ -40,14 +42,16 @@ private:
 };
 
 Form3::Form3()
-    : NaturalScreen("Form3", "Cauce - Perfiles y socavación en cauces naturales",
-                    form3::box::kAll) {
+    : NaturalScreen("Form3", "Cauce - Perfiles y socavación en cauces naturales", form3::box::kAll) {
     BindSheet("secciones ");
     // Reference layout 1000 x 720. Declaration order is the tab order.
-    Add({"Label25", Kind::Label,
+    Add({"Label25",
+         Kind::Label,
          "PERFILES Y SOCAVACION EN CAUCES NATURALES" + std::string(98, ' ') +
              "Oprima (Y?) para calcular la Profundidad Normal y las características hidráulicas del cauce.",
-         "", {10, 5, 600, 48}, true});
+         "",
+         {10, 5, 600, 48},
+         true});
     Add({"Label28", Kind::Label, "Seccion No.", "", {10, 60, 90, 22}});
     Add({"Text62", Kind::TextBox, "", "SecId", {100, 60, 50, 22}});
     Add({"Label22", Kind::Label, "No. Secciones", "", {170, 60, 100, 22}});
@@ -96,9 +100,9 @@ Form3::Form3()
     Add({"Picture1", Kind::PictureBox, "", "", {690, 250, 220, 150}});
     Add({"Data1", Kind::Data, "Rio Negro", "", {10, 510, 440, 30}});
 
-    OnClick("Command2", [this] { SectionClick(); });
-    OnClick("Command1", [this] { Command1Click(); });
-    OnClick("Command3", [this] { Close(); });
+    OnClick(section::button::Section, [this] { SectionClick(); });
+    OnClick(section::button::Profiles, [this] { Command1Click(); });
+    OnClick(section::button::Exit, [this] { Close(); });
     // Form_Load: the profile button is inert until the last section has been computed.
     Set("Picture1", kFigCauces1);
     Set("Command1", "");
@@ -165,6 +169,8 @@ void Form3::Tabla() {
 
 }  // namespace
 
-std::unique_ptr<forms::Screen> MakeForm3() { return std::make_unique<Form3>(); }
+std::unique_ptr<forms::Screen> MakeForm3() {
+    return std::make_unique<Form3>();
+}
 
 }  // namespace cauce::screens

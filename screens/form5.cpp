@@ -27,22 +27,26 @@ using forms::Format;
 using forms::Kind;
 
 class Form5 : public NaturalScreen {
-public:
+  public:
     Form5();
 
-private:
+  private:
     void ReadSectionNumbers() override;
     bool Inicio() override;
     void Resultados() override;
 };
 
-Form5::Form5() : NaturalScreen("Form5", "Cauce - Flujo uniforme en cauces naturales", section::stream_box::kAll) {
+Form5::Form5()
+    : NaturalScreen("Form5", "Cauce - Flujo uniforme en cauces naturales", section::stream_box::kAll) {
     BindSheet("Zorvena");
     // Reference layout 1000 x 720. Declaration order is the tab order.
-    Add({"Label25", Kind::Label,
+    Add({"Label25",
+         Kind::Label,
          "FLUJO UNIFORME EN CAUCES NATURALES" + std::string(98, ' ') +
              "Oprima (Y?) para calcular la Profundidad Normal y las características hidráulicas del cauce.",
-         "", {10, 5, 600, 48}, true});
+         "",
+         {10, 5, 600, 48},
+         true});
     Add({"Label28", Kind::Label, "Seccion No.", "", {10, 60, 90, 22}});
     Add({"Text62", Kind::TextBox, "", "SecId", {100, 60, 50, 22}});
     Add({"Label24", Kind::Label, " Z fondo m", "", {38, 90, 72, 22}});
@@ -83,13 +87,15 @@ Form5::Form5() : NaturalScreen("Form5", "Cauce - Flujo uniforme en cauces natura
     Add({"Picture1", Kind::PictureBox, "", "", {530, 270, 220, 150}});
     Add({"Data1", Kind::Data, "Flujo uniforme", "", {10, 510, 480, 30}});
 
-    OnClick("Command2", [this] { SectionClick(); });
-    OnClick("Command3", [this] { Close(); });
+    OnClick(section::button::Section, [this] { SectionClick(); });
+    OnClick(section::button::Exit, [this] { Close(); });
     Set("Picture1", kFigCauces1);
 }
 
 // One section, no reach: the section number of the record indexes the arrays; N plays no part.
-void Form5::ReadSectionNumbers() { st_.i = forms::CInt(ValOf("Text62")); }
+void Form5::ReadSectionNumbers() {
+    st_.i = forms::CInt(ValOf("Text62"));
+}
 
 bool Form5::Inicio() {
     NaturalScreen::Inicio();
@@ -108,6 +114,8 @@ void Form5::Resultados() {
 
 }  // namespace
 
-std::unique_ptr<forms::Screen> MakeForm5() { return std::make_unique<Form5>(); }
+std::unique_ptr<forms::Screen> MakeForm5() {
+    return std::make_unique<Form5>();
+}
 
 }  // namespace cauce::screens

@@ -8,15 +8,31 @@ namespace cauce::screens {
 using forms::Format;
 using forms::Kind;
 
+namespace {
+// A control's or column's name: prefix and number ("Text12", "z3").
+std::string Numbered(std::string prefix, int n) {
+    prefix += std::to_string(n);
+    return prefix;
+}
+}  // namespace
+
 NaturalScreen::NaturalScreen(std::string name, std::string title, SectionBoxes boxes)
     : Screen(std::move(name), std::move(title)), boxes_(std::move(boxes)) {}
 
 void NaturalScreen::AddLevelTable(int x, int y, int row_step, int first_row_label) {
     for (int j = 1; j <= 15; ++j) {
         const int row_y = y + (j - 1) * row_step;
-        Add({"Label" + std::to_string(first_row_label + j - 1), Kind::Label, std::to_string(j), "", {x - 30, row_y, 26, row_step - 4}});
-        Add({"Text" + std::to_string(2 * j - 1), Kind::TextBox, "", "z" + std::to_string(j), {x, row_y, 72, row_step - 4}});
-        Add({"Text" + std::to_string(2 * j), Kind::TextBox, "", "t" + std::to_string(j), {x + 76, row_y, 72, row_step - 4}});
+        Add({Numbered("Label", first_row_label + j - 1),
+             Kind::Label,
+             std::to_string(j),
+             "",
+             {x - 30, row_y, 26, row_step - 4}});
+        Add({Numbered("Text", 2 * j - 1), Kind::TextBox, "", Numbered("z", j), {x, row_y, 72, row_step - 4}});
+        Add({Numbered("Text", 2 * j),
+             Kind::TextBox,
+             "",
+             Numbered("t", j),
+             {x + 76, row_y, 72, row_step - 4}});
     }
 }
 
@@ -48,9 +64,14 @@ void NaturalScreen::BuildTables() {
     const int i = st_.i;
     st_.CountLevels(i);
     switch (st_.Qful(i)) {
-        case natural::TableError::Cotas: Set("Label26", natural::kCotasError); break;
-        case natural::TableError::Anchos: Set("Label26", natural::kAnchosError); break;
-        case natural::TableError::None: break;
+        case natural::TableError::Cotas:
+            Set("Label26", natural::kCotasError);
+            break;
+        case natural::TableError::Anchos:
+            Set("Label26", natural::kAnchosError);
+            break;
+        case natural::TableError::None:
+            break;
     }
 }
 

@@ -8,13 +8,26 @@ namespace cauce::screens {
 using forms::Kind;
 
 namespace {
-std::string T(int n) { return "Text" + std::to_string(n); }
+// A control's or column's name: prefix and number ("Text12", "V3").
+std::string Numbered(std::string prefix, int n) {
+    prefix += std::to_string(n);
+    return prefix;
+}
+std::string T(int n) {
+    return Numbered("Text", n);
+}
 }  // namespace
 
-ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg) : NaturalScreen(cfg.name, cfg.title, section::stream_box::kAll) {
+ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg)
+    : NaturalScreen(cfg.name, cfg.title, section::stream_box::kAll) {
     BindSheet(cfg.sheet);
     // Reference layout 1000 x 720. Declaration order is the tab order.
-    Add({"Label25", Kind::Label, cfg.instruction + std::string(98, ' ') + cfg.instruction_tail, "", {10, 5, 600, 48}, true});
+    Add({"Label25",
+         Kind::Label,
+         cfg.instruction + std::string(98, ' ') + cfg.instruction_tail,
+         "",
+         {10, 5, 600, 48},
+         true});
     Add({"Label28", Kind::Label, "Seccion No.", "", {10, 60, 90, 22}});
     Add({"Text62", Kind::TextBox, "", "SecId", {100, 60, 50, 22}});
     Add({"Label22", Kind::Label, "No. Secciones", "", {170, 60, 100, 22}});
@@ -54,18 +67,18 @@ ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg) : NaturalScreen(cfg
         const int y = 114 + (j - 1) * 26;
         // Rows 8 and 9 both show "Abscisa9"; no box is bound to "Abscisa8".
         const int abscisa = j == 8 ? 9 : j;
-        Add({T(29 + 2 * j), Kind::TextBox, "", "Abscisa" + std::to_string(abscisa), {200, y, 72, 22}});
-        Add({T(30 + 2 * j), Kind::TextBox, "", "Tipo" + std::to_string(j), {276, y, 60, 22}});
-        Add({T(62 + j), Kind::TextBox, "", "Za" + std::to_string(j), {340, y, 72, 22}});
-        Add({T(77 + j), Kind::TextBox, "", "V" + std::to_string(j), {416, y, 72, 22}});
+        Add({T(29 + 2 * j), Kind::TextBox, "", Numbered("Abscisa", abscisa), {200, y, 72, 22}});
+        Add({T(30 + 2 * j), Kind::TextBox, "", Numbered("Tipo", j), {276, y, 60, 22}});
+        Add({T(62 + j), Kind::TextBox, "", Numbered("Za", j), {340, y, 72, 22}});
+        Add({T(77 + j), Kind::TextBox, "", Numbered("V", j), {416, y, 72, 22}});
     }
     Add({"Picture1", Kind::PictureBox, "", "", {620, 5, 220, 150}});
     Add({"Picture2", Kind::PictureBox, "", "", {850, 5, 140, 150}});
     Add({"Data1", Kind::Data, cfg.caption, "", {10, 510, 480, 30}});
 
-    OnClick("Command2", [this] { SectionClick(); });
-    OnClick("Command1", [this] { Command1Click(); });
-    OnClick("Command3", [this] { Close(); });
+    OnClick(section::button::Section, [this] { SectionClick(); });
+    OnClick(section::button::Profiles, [this] { Command1Click(); });
+    OnClick(section::button::Exit, [this] { Close(); });
     FormLoad();
 }
 

@@ -12,12 +12,14 @@ cd "$(dirname "$0")/.."
 minutes=${1:-10}
 [ $# -gt 0 ] && shift
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(val_format guion pantallas libro libro_xml)
+[ ${#targets[@]} -gt 0 ] || targets=(val_format guion pantallas levantamiento libro libro_xml xls_stream)
 build=${CAUCE_FUZZ_BUILD:-build-fuzz}
 
 CC=clang CXX=clang++ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCAUCE_GUI=OFF -DCAUCE_BENCH=OFF \
   -DCAUCE_SANITIZE=ON -DCAUCE_FUZZ=ON >/dev/null
-cmake --build "$build" -j2 --target "${targets[@]/%/_fuzz}"
+cmake --build "$build" -j2 --target cauce "${targets[@]/%/_fuzz}"
+# The legacy .xls reader is cauce itself, run as a child.
+export CAUCE_PROGRAMA="$PWD/$build/cli/cauce"
 
 failed=0
 for t in "${targets[@]}"; do

@@ -9,7 +9,10 @@ packages=(
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   python3 python3-openpyxl python3-xlwt poppler-utils
+  libreoffice-calc-nogui python3-uno
   clang libclang-rt-14-dev clang-format
+  ccache dpkg-dev desktop-file-utils
+  g++-mingw-w64-x86-64-posix wine64
 )
 missing=()
 for p in "${packages[@]}"; do

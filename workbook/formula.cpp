@@ -42,14 +42,16 @@ std::string Shift(const Part& p, int rows, int cols, bool& ok) {
         if (col == 0) return ok = false, "";
         if (!p.col_abs) col += cols;
         if (col < 1 || col > kMaxColumn) return ok = false, "";
-        out += (p.col_abs ? "$" : "") + ColumnName(col);
+        if (p.col_abs) out += '$';
+        out += ColumnName(col);
     }
     if (!p.digits.empty()) {
         if (p.digits.size() > 7) return ok = false, "";
         int row = std::stoi(p.digits);
         if (!p.row_abs) row += rows;
         if (row < 1 || row > kMaxRow) return ok = false, "";
-        out += (p.row_abs ? "$" : "") + std::to_string(row);
+        if (p.row_abs) out += '$';
+        out += std::to_string(row);
     }
     return out;
 }

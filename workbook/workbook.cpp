@@ -1,13 +1,7 @@
 #include "workbook/workbook.hpp"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
-
 #include "hydraulics/fault.hpp"
+#include "platform/platform.hpp"
 #include "workbook/legacy.hpp"
 #include "workbook/limits.hpp"
 #include "workbook/package.hpp"
@@ -159,41 +153,31 @@ std::unique_ptr<Workbook> Workbook::FromBytes(std::string bytes, std::string fil
 std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
     const std::string file = path.string();
     auto fail = [&](const std::string& why) { raise(why + " El archivo no se modificó."); };
-    struct stat st {};
-    if (::stat(path.c_str(), &st) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR) raise("No se encuentra el libro \"" + file + "\".");
-        fail("No se puede abrir el libro \"" + file + "\": " + SystemReason(errno) + ".");
+    platform::FileIdentity st;
+    try {
+        st = platform::Identify(path);
+    } catch (const platform::Error& e) {
+        fail("No se puede abrir el libro \"" + file + "\": " + e.Reason() + ".");
     }
-    if (S_ISDIR(st.st_mode)) raise("\"" + file + "\" es una carpeta, no un libro de Excel.");
-    if (!S_ISREG(st.st_mode)) raise("\"" + file + "\" no es un archivo común, no es un libro de Excel.");
-    if (static_cast<std::uint64_t>(st.st_size) > kMaxFileBytes)
-        fail("El libro \"" + file + "\" es demasiado grande (" + std::to_string(st.st_size >> 20) +
+    if (!st.Exists()) raise("No se encuentra el libro \"" + file + "\".");
+    if (st.kind == platform::FileKind::Folder)
+        raise("\"" + file + "\" es una carpeta, no un libro de Excel.");
+    if (st.kind != platform::FileKind::Regular)
+        raise("\"" + file + "\" no es un archivo común, no es un libro de Excel.");
+    if (static_cast<std::uint64_t>(st.size) > kMaxFileBytes)
+        fail("El libro \"" + file + "\" es demasiado grande (" + std::to_string(st.size >> 20) +
              " MB); Cauce lee libros de hasta " + std::to_string(kMaxFileBytes >> 20) + " MB.");
 
-    const int fd = ::open(path.c_str(), O_RDONLY);
-    if (fd < 0) {
-        const int err = errno;
-        fail("No se puede leer el libro \"" + file +
-             "\": " + (err == EACCES ? std::string("no hay permiso de lectura") : SystemReason(err)) + ".");
-    }
     std::string bytes;
-    char buf[65536];
-    for (;;) {
-        const ssize_t n = ::read(fd, buf, sizeof buf);
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) {
-            const int err = errno;
-            ::close(fd);
-            fail("No se puede leer el libro \"" + file + "\": " + SystemReason(err) + ".");
-        }
-        if (n == 0) break;
-        bytes.append(buf, static_cast<std::size_t>(n));
-        if (bytes.size() > kMaxFileBytes) {
-            ::close(fd);
-            fail("El libro \"" + file + "\" es demasiado grande.");
-        }
+    try {
+        bytes = platform::ReadFile(path, kMaxFileBytes);
+    } catch (const platform::Error& e) {
+        fail("No se puede leer el libro \"" + file + "\": " +
+             (e.GetCause() == platform::Cause::Permission ? std::string("no hay permiso de lectura")
+                                                          : e.Reason()) +
+             ".");
     }
-    ::close(fd);
+    if (bytes.size() > kMaxFileBytes) fail("El libro \"" + file + "\" es demasiado grande.");
 
     static const char kZip[] = "PK\x03\x04";
     static const char kCompound[] = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
@@ -204,14 +188,16 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
         wb = FromBytes(std::move(bytes), file);
     } else if (bytes.compare(0, 8, kCompound, 8) == 0) {
         // The old binary format (an .xlsx protected with a password is such a file too, and freexl says so).
-        wb.reset(new Workbook(Load(LegacyPackage(path), file)));
+        LegacyBook legacy = ReadLegacyBook(path);
+        wb.reset(new Workbook(Load(std::move(legacy.package), file)));
         wb->legacy_ = true;
+        wb->legacy_omitted_ = std::move(legacy.omitted);
     } else {
         raise("\"" + file + "\" no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.");
     }
     wb->on_disk_ = true;
-    wb->disk_size_ = st.st_size;
-    wb->disk_mtime_ = static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec;
+    wb->disk_size_ = st.size;
+    wb->disk_mtime_ = st.mtime_ns;
     return wb;
 }
 
@@ -308,14 +294,15 @@ std::string Workbook::Save() {
         note = "El libro \"" + path_ +
                "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se "
                "guardaron en \"" +
-               target.string() + "\".";
+               target.string() + "\": " + LegacyLosses(legacy_omitted_) + ".";
     } else {
-        struct stat st {};
-        const long long mtime =
-            ::stat(path_.c_str(), &st) == 0
-                ? static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec
-                : -1;
-        if (mtime != disk_mtime_ || st.st_size != disk_size_)
+        platform::FileIdentity st;
+        try {
+            st = platform::Identify(path_);
+        } catch (const platform::Error&) {
+        }
+        const long long mtime = st.Exists() ? st.mtime_ns : -1;
+        if (mtime != disk_mtime_ || st.size != disk_size_)
             raise("No se pudo guardar el libro \"" + path_ +
                   "\": otro programa lo cambió después de que Cauce lo "
                   "abriera. El libro no se modificó; ábralo de nuevo en Cauce para seguir.");
@@ -326,10 +313,12 @@ std::string Workbook::Save() {
     s_ = Load(std::move(bytes), target.string());
     path_ = target.string();
     legacy_ = false;
-    struct stat st {};
-    if (::stat(path_.c_str(), &st) == 0) {
-        disk_size_ = st.st_size;
-        disk_mtime_ = static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec;
+    try {
+        if (const auto st = platform::Identify(path_); st.Exists()) {
+            disk_size_ = st.size;
+            disk_mtime_ = st.mtime_ns;
+        }
+    } catch (const platform::Error&) {
     }
     return note;
 }

@@ -44,6 +44,7 @@ class Workbook {
     std::unique_ptr<State> s_;
     std::string path_;
     bool legacy_ = false;
+    std::vector<std::string> legacy_omitted_;  // what a legacy .xls held that could not be read
     bool on_disk_ = false;
     long long disk_size_ = -1, disk_mtime_ = 0;
 };

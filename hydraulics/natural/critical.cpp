@@ -20,7 +20,9 @@ namespace {
 
 constexpr const char* kNoEnd = "El tirante crítico no se alcanza: el cálculo no termina";
 
-double Froude(double q, double a, double t) { return Div(Div(q, a), Sqr(Div(9.81 * a, t))); }
+double Froude(double q, double a, double t) {
+    return Div(Div(q, a), Sqr(Div(9.81 * a, t)));
+}
 
 // Froude number in band k with the water hb above level k-1, in the march's order of operations.
 double InBand(const State& st, int s, double hb) {
@@ -78,8 +80,9 @@ bool State::CriticaFast(int s, double fr) {
             return std::pair{a * a * a - q2g * t, 3 * a * a * t - q2g * 2 * mm};
         };
         const double y = NewtonGuess(top, 0.0, top, excess);
-        const std::int64_t stop = FirstReachedNear(0, last, static_cast<std::int64_t>(std::ceil((top - y) / 0.001)),
-                                                   [&](std::int64_t j) { return InBand(*this, s, depth(j)) >= 1; });
+        const std::int64_t stop =
+            FirstReachedNear(0, last, StepNear((top - y) / 0.001, 0, last),
+                             [&](std::int64_t j) { return InBand(*this, s, depth(j)) >= 1; });
         if (stop > last) return false;  // still subcritical at the band's foot: walk the march on
         Yc(s) = Yj(s, k - 1) + (depth(stop) - 0.001);
         return true;

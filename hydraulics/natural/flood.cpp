@@ -16,9 +16,11 @@ namespace cauce::natural {
 
 namespace {
 
-constexpr const char* kNoEnd = "La profundidad sobre las orillas no se alcanza: el cálculo no termina "
-                               "(revise la Pendiente y las rugosidades)";
-constexpr const char* kNoCritical = "El tirante crítico sobre las orillas no se alcanza: el cálculo no termina";
+constexpr const char* kNoEnd =
+    "La profundidad sobre las orillas no se alcanza: el cálculo no termina "
+    "(revise la Pendiente y las rugosidades)";
+constexpr const char* kNoCritical =
+    "El tirante crítico sobre las orillas no se alcanza: el cálculo no termina";
 
 struct OverBank {
     double am, af, qm, qt;
@@ -45,7 +47,9 @@ Accumulation& OverBankSteps() {
     return steps;
 }
 
-double BankFroude(double q, double a, double t) { return Div(Div(q, a), Sqr(Div(9.81 * a, t))); }
+double BankFroude(double q, double a, double t) {
+    return Div(Div(q, a), Sqr(Div(9.81 * a, t)));
+}
 
 }  // namespace
 
@@ -91,7 +95,7 @@ bool State::FloodFast(int s) {
             return std::pair{qm + qf - Q(s), qm * 5.0 / 3.0 * (tn + 2 * y) / am + dqf};
         };
         const double y = NewtonGuess(1.0, 0.0, 1e4, excess);
-        stop = FirstReachedNear(1, kMarchBudget, static_cast<std::int64_t>(std::ceil(y / 0.002)),
+        stop = FirstReachedNear(1, kMarchBudget, StepNear(y / 0.002, 1, kMarchBudget),
                                 [&](std::int64_t j) { return !(AtHeight(*this, s, height(j)).qt < Q(s)); });
         if (stop <= kMarchBudget) {
             hz = height(stop);
@@ -108,7 +112,9 @@ bool State::FloodFast(int s) {
     raise(kNoEnd);
 }
 
-bool State::NoFloodZone(int s) const { return B == T(s, npts(s)); }
+bool State::NoFloodZone(int s) const {
+    return B == T(s, npts(s));
+}
 
 void State::Qdesbord3(int s) {
     const int top = npts(s);
@@ -155,8 +161,9 @@ double State::OverBankCritical(int s, double frb) {
                 return std::pair{a * a * a - q2g * t, 3 * a * a * t - 2 * q2g};
             };
             const double y = NewtonGuess(0.0, -1.0, 1e4, excess);
-            const std::int64_t stop = FirstReachedNear(1, kMarchBudget, static_cast<std::int64_t>(std::ceil(y / 0.002)),
-                                                       [&](std::int64_t j) { return !(froude(height(j)) > 1); });
+            const std::int64_t stop =
+                FirstReachedNear(1, kMarchBudget, StepNear(y / 0.002, 1, kMarchBudget),
+                                 [&](std::int64_t j) { return !(froude(height(j)) > 1); });
             if (stop <= kMarchBudget) return height(stop);
         } catch (const Fault&) {
         }

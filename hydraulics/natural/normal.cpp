@@ -17,8 +17,9 @@ namespace cauce::natural {
 
 namespace {
 
-constexpr const char* kNoEnd = "El tirante normal no se alcanza: el cálculo no termina "
-                               "(revise la Pendiente, la Rugosidad y el Caudal)";
+constexpr const char* kNoEnd =
+    "El tirante normal no se alcanza: el cálculo no termina "
+    "(revise la Pendiente, la Rugosidad y el Caudal)";
 
 struct BandFlow {
     double a, p, t, q;
@@ -86,8 +87,9 @@ bool State::NormalFast(int s) {
         };
         const double top = Z(s, k) - Z(s, k - 1);
         const double y = NewtonGuess(top > 0 ? top : 1.0, 0.0, 1e4, excess);
-        const std::int64_t stop = FirstReachedNear(1, kMarchBudget, static_cast<std::int64_t>(std::ceil(y / 0.001)),
-                                                   [&](std::int64_t j) { return InBand(*this, s, depth(j)).q >= q; });
+        const std::int64_t stop =
+            FirstReachedNear(1, kMarchBudget, StepNear(y / 0.001, 1, kMarchBudget),
+                             [&](std::int64_t j) { return InBand(*this, s, depth(j)).q >= q; });
         if (stop <= kMarchBudget) {
             const double hstop = depth(stop);
             const BandFlow f = InBand(*this, s, hstop);

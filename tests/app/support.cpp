@@ -6,6 +6,7 @@
 
 #include "forms/screen.hpp"
 #include "hydraulics/fault.hpp"
+#include "screens/profile_screen.hpp"
 
 namespace cauce::apptest {
 
@@ -83,16 +84,22 @@ std::shared_ptr<MemorySheet> MakeSheet(const std::vector<std::string>& columns,
     return sheet;
 }
 
+// A column's name: prefix and number ("z3", "Abscisa12").
+static std::string Numbered(std::string prefix, int n) {
+    prefix += std::to_string(n);
+    return prefix;
+}
+
 std::vector<std::string> Form2Columns() {
     std::vector<std::string> c = {"SecId",  "No# secciones", "Rugosidad",   "Si",
                                   "Caudal", "Ancho Zi",      "Rugosidad Zi"};
     for (int j = 1; j <= 15; ++j) {
-        c.push_back("z" + std::to_string(j));
-        c.push_back("t" + std::to_string(j));
-        c.push_back("Abscisa" + std::to_string(j));
-        c.push_back("Tipo" + std::to_string(j));
-        c.push_back("Za" + std::to_string(j));
-        c.push_back("V" + std::to_string(j));
+        c.push_back(Numbered("z", j));
+        c.push_back(Numbered("t", j));
+        c.push_back(Numbered("Abscisa", j));
+        c.push_back(Numbered("Tipo", j));
+        c.push_back(Numbered("Za", j));
+        c.push_back(Numbered("V", j));
     }
     return c;
 }
@@ -107,10 +114,19 @@ std::map<std::string, std::string> SectionRow(int number, int count,
     row["Si"] = Text(slope);
     row["Caudal"] = Text(discharge);
     for (std::size_t j = 0; j < levels.size(); ++j) {
-        row["z" + std::to_string(j + 1)] = Text(levels[j].first);
-        row["t" + std::to_string(j + 1)] = Text(levels[j].second);
+        row[Numbered("z", static_cast<int>(j) + 1)] = Text(levels[j].first);
+        row[Numbered("t", static_cast<int>(j) + 1)] = Text(levels[j].second);
     }
     return row;
+}
+
+std::vector<std::pair<std::string, std::string>> ReadmeRectangle() {
+    namespace profile = screens::profile;
+    return {{profile::box::SectionCount, "1"},   {profile::box::SectionNumber, "1"},
+            {profile::LevelElevation(1), "100"}, {profile::LevelWidth(1), "2"},
+            {profile::LevelElevation(2), "102"}, {profile::LevelWidth(2), "2"},
+            {profile::box::Roughness, "0.015"},  {profile::box::Slope, "0.001"},
+            {profile::box::Discharge, "2"}};
 }
 
 }  // namespace cauce::apptest

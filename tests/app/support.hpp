@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "app/dialogs.hpp"
@@ -69,6 +70,10 @@ class RecordingPrompter : public app::Prompter {
 std::map<std::string, std::string> SectionRow(int number, int count,
                                               const std::vector<std::pair<double, double>>& levels, double n,
                                               double slope, double discharge);
+
+// The README's section on Form2's boxes, in typing order: a rectangle 2 m wide and 2 m deep, n 0.015,
+// S 0.001, Q 2 m3/s, the only section of its reach.
+std::vector<std::pair<std::string, std::string>> ReadmeRectangle();
 
 // The columns of the Form2 sheet.
 std::vector<std::string> Form2Columns();

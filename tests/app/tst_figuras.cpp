@@ -7,6 +7,7 @@
 #include "app/section_sketch.hpp"
 #include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
+#include "support.hpp"
 
 using namespace cauce::app;
 namespace profile = cauce::screens::profile;
@@ -165,13 +166,7 @@ class Figuras : public QObject {
     // the normal depth, the critical depth; before the click, the section without water.
     void form2SketchFollowsTheComputedSection() {
         auto screen = cauce::screens::MakeScreen("Form2");
-        const std::pair<std::string, const char*> boxes[] = {
-            {profile::box::SectionCount, "1"},   {profile::box::SectionNumber, "1"},
-            {profile::LevelElevation(1), "100"}, {profile::LevelWidth(1), "2"},
-            {profile::LevelElevation(2), "102"}, {profile::LevelWidth(2), "2"},
-            {profile::box::Roughness, "0.015"},  {profile::box::Slope, "0.001"},
-            {profile::box::Discharge, "2"}};
-        for (const auto& [box, text] : boxes) screen->Type(box, text);
+        for (const auto& [box, text] : cauce::apptest::ReadmeRectangle()) screen->Type(box, text);
         auto before = SketchOf(*screen);
         QVERIFY(before.has_value());
         QVERIFY(!before->water.has_value());

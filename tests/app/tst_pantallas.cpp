@@ -35,15 +35,8 @@ void Press(app::ScreenView& view, std::string_view button) {
     QTest::mouseClick(view.Button(button), Qt::LeftButton);
 }
 
-// One section of the README: a rectangle 2 m wide and 2 m deep, n 0.015, S 0.001, Q 2 m3/s.
 void TypeRectangle(app::ScreenView& view) {
-    const std::pair<std::string, const char*> boxes[] = {
-        {profile::box::SectionCount, "1"},   {profile::box::SectionNumber, "1"},
-        {profile::LevelElevation(1), "100"}, {profile::LevelWidth(1), "2"},
-        {profile::LevelElevation(2), "102"}, {profile::LevelWidth(2), "2"},
-        {profile::box::Roughness, "0.015"},  {profile::box::Slope, "0.001"},
-        {profile::box::Discharge, "2"}};
-    for (const auto& [box, text] : boxes) Type(view, box, text);
+    for (const auto& [box, text] : ReadmeRectangle()) Type(view, box, Q(text));
 }
 
 struct Shown {

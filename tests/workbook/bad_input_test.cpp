@@ -1,12 +1,6 @@
 // Bad input gets a clear Spanish message naming the file, and the user's file is left byte for byte
 // as it was: missing, not a workbook, truncated or corrupt, a missing sheet or column, text where a
 // number belongs, read-only file or folder, a full disk, a save cut short, a zip bomb, entity tricks.
-#include <signal.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <zip.h>
 
 #include <functional>
@@ -14,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "hydraulics/fault.hpp"
+#include "platform/platform.hpp"
 #include "tests/workbook/support.hpp"
 #include "workbook/records.hpp"
 #include "workbook/save_file.hpp"
@@ -363,39 +358,20 @@ TEST_F(WorkbookTest, ReadOnlyFolderIsNotWritten) {
     EXPECT_EQ(FileCount(folder), 1u);
 }
 
-// Runs the script in a child process prepared by setup; returns its exit status and what it wrote
-// to the error stream.
-std::pair<int, std::string> InChild(const std::string& script, const std::function<void()>& setup) {
-    int fds[2];
-    if (::pipe(fds) != 0) return {-1, ""};
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::close(fds[0]);
-        setup();
-        const auto r = Guion(script);
-        const ssize_t ignored = ::write(fds[1], r.err.data(), r.err.size());
-        (void)ignored;
-        ::_exit(r.status);
-    }
-    ::close(fds[1]);
-    std::string err;
-    char buf[4096];
-    for (ssize_t n; (n = ::read(fds[0], buf, sizeof buf)) > 0;) err.append(buf, static_cast<std::size_t>(n));
-    ::close(fds[0]);
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, err};
+// Runs the script with the program itself, under a shell that first runs setup; returns its exit
+// status and what it wrote to its error output.
+std::pair<int, std::string> InChild(const std::string& script, const std::string& setup) {
+    const auto r = platform::RunChild(
+        {"/bin/sh", "-c", setup + "; printf '%s' \"$1\" | \"$0\" guion 2>&1", CAUCE_PROGRAM, script},
+        std::chrono::minutes(2));
+    return {r.exit_code, r.out};
 }
 
 TEST_F(WorkbookTest, FullDiskLeavesTheWorkbookWhole) {
     const fs::path file = Dir() / "rio.xlsx";
     fs::copy_file(kRios, file);
     // A file-size limit below the workbook's size stands for the disk filling up during the write.
-    const auto [status, err] = InChild(With(kEditAndMove, file), [] {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit lim{4096, 4096};
-        ::setrlimit(RLIMIT_FSIZE, &lim);
-    });
+    const auto [status, err] = InChild(With(kEditAndMove, file), "trap '' XFSZ; ulimit -f 4");
     EXPECT_EQ(status, 1);
     EXPECT_EQ(err, "guion: línea 4: No se pudo guardar el libro " + Q(file) +
                        ": no hay espacio en el disco. El libro no se modificó.\n");
@@ -406,13 +382,19 @@ TEST_F(WorkbookTest, FullDiskLeavesTheWorkbookWhole) {
 TEST_F(WorkbookTest, SaveCutShortBeforeTheRenameLeavesTheOldWorkbookWhole) {
     const fs::path file = Dir() / "rio.xlsx";
     fs::copy_file(kRios, file);
-    // The program dies with the new file written and flushed, before it takes the old one's place.
-    const auto [status, err] = InChild(With(kEditAndMove, file), [] {
-        workbook::SetBeforeRenameHook([](const fs::path&) { ::_exit(42); });
+    // Where the program would die, with the new file written and flushed before it takes the old
+    // one's place, the old file is whole and the new one complete beside it.
+    std::string at_rename, written;
+    workbook::SetBeforeRenameHook([&](const fs::path& temp) {
+        at_rename = Slurp(file);
+        written = Slurp(temp);
+        raise("corte");
     });
-    EXPECT_EQ(status, 42) << err;
-    EXPECT_EQ(Slurp(file), Slurp(kRios));
-    EXPECT_NO_THROW(workbook::SheetRecords(workbook::Workbook::Open(file), "Persecc"));
+    (void)Guion(With(kEditAndMove, file));
+    EXPECT_EQ(at_rename, Slurp(kRios));
+    EXPECT_EQ(workbook::SheetRecords(workbook::Workbook::FromBytes(written, "nuevo"), "Persecc")
+                  .Get(1, "Rugosidad"),
+              "0.04");
 
     // Cut short by an error instead: the temporary file goes too.
     fs::remove_all(Dir() / "datos");

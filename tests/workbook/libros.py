@@ -4,6 +4,10 @@
   libros.py crear RUTA                 a workbook with styles, formulas and extra sheets around a
                                        sheet "Persecc" of three sections
   libros.py crear-xls RUTA             the same records in a legacy .xls (xlwt)
+  libros.py xls-libreoffice RUTA CASO  a legacy .xls written by LibreOffice (headless soffice) from a
+                                       workbook of openpyxl: "grafico" (sheet Persecc with a chart),
+                                       "texto-largo" (a text of 20,000 characters), "formulas" (a
+                                       sheet of formulas with numeric and text results)
   libros.py verificar ORIGINAL NUEVO CAMBIOS
                                        NUEVO is ORIGINAL with exactly the changes listed in the JSON
                                        file CAMBIOS ([{"hoja", "registro", "columna", "valor"}, ...]),
@@ -287,6 +291,38 @@ def verify(original, new, changes_file):
     return 1 if problems else 0
 
 
+def xls_by_libreoffice(path, case):
+    import os, subprocess, tempfile
+    from openpyxl.chart import LineChart, Reference
+    wb = openpyxl.Workbook()
+    ws = wb.active
+    ws.title = "Persecc"
+    ws.append(["Seccion", "Caudal", "Nota"])
+    for i in range(1, 4):
+        ws.append([i, 10.5 * i, "tramo %d" % i])
+    if case == "grafico":
+        chart = LineChart()
+        chart.add_data(Reference(ws, min_col=2, min_row=1, max_row=4), titles_from_data=True)
+        ws.add_chart(chart, "E2")
+    elif case == "texto-largo":
+        ws["C3"] = "larga " + "x" * 20000
+    elif case == "formulas":
+        ws["D1"] = "Doble"
+        ws["D2"] = "=B2*2"
+        ws["E2"] = '=C2&" fin"'
+    else:
+        sys.exit(f"caso desconocido: {case}")
+    notes = wb.create_sheet("Notas")
+    notes["A1"] = "fin"
+    with tempfile.TemporaryDirectory() as tmp:
+        src = os.path.join(tmp, os.path.splitext(os.path.basename(path))[0] + ".xlsx")
+        wb.save(src)
+        # Its own profile folder: a LibreOffice the user has open does not take the conversion over.
+        subprocess.run(["soffice", "-env:UserInstallation=file://" + os.path.join(tmp, "perfil"), "--headless",
+                        "--convert-to", "xls", "--outdir", tmp, src], check=True, capture_output=True, timeout=300)
+        os.replace(os.path.join(tmp, os.path.basename(src)[:-5] + ".xls"), path)
+
+
 def read(path, sheet):
     ws = openpyxl.load_workbook(path)[sheet]
     print(json.dumps([[c.value for c in row] for row in ws.iter_rows()], ensure_ascii=False, default=str))
@@ -298,6 +334,8 @@ if __name__ == "__main__":
         create(sys.argv[2])
     elif cmd == "crear-xls":
         create_xls(sys.argv[2])
+    elif cmd == "xls-libreoffice":
+        xls_by_libreoffice(sys.argv[2], sys.argv[3])
     elif cmd == "verificar":
         sys.exit(verify(sys.argv[2], sys.argv[3], sys.argv[4]))
     elif cmd == "crear-xml":

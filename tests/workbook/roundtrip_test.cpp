@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/workbook/support.hpp"
+#include "workbook/legacy.hpp"
 
 namespace cauce::test {
 namespace {
@@ -77,7 +78,7 @@ TEST_F(WorkbookTest, LegacyXlsIsSavedAsAnXlsxBesideItAndNeverWritten) {
         "El libro \"" + (Dir() / "rio.xls").string() +
         "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se guardaron "
         "en \"" +
-        (Dir() / "rio.xlsx").string() + "\".";
+        (Dir() / "rio.xlsx").string() + "\": " + workbook::LegacyLosses({}) + ".";
     const auto first = nlohmann::json::parse(r.out.substr(0, r.out.find('\n')));
     EXPECT_EQ(first.value("aviso", ""), note);
     EXPECT_NE(r.err.find(note), std::string::npos);
