@@ -7,8 +7,10 @@
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
+#include "hydraulics/standard_step/warnings.hpp"
 #include "screens/natural_screen.hpp"
 #include "screens/registry.hpp"
+#include "screens/standard_reach.hpp"
 
 #ifdef CAUCE_HAS_WORKBOOK
 #include "workbook/data_folder.hpp"
@@ -19,7 +21,9 @@ namespace cauce::cli {
 
 namespace {
 
-std::string T(int n) { return "Text" + std::to_string(n); }
+std::string T(int n) {
+    return "Text" + std::to_string(n);
+}
 
 // The boxes of each profile screen that the run types into and reads from.
 struct Boxes {
@@ -29,18 +33,21 @@ struct Boxes {
     int type0, zw0, v0, ysoc0;  // box of row j is Text(base + j); type boxes are Text(type0 + 2j); 0: none
 };
 
-const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95", "Text96", "Text97",
-                          30, 62, 77, 0};
-const Boxes kScourBoxes{"Text128", "Label5", "Text129", "Text130", "Text123", "Text124", "Text125", "Text126",
-                        "Text127", 0, 75, 90, 105};
+const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95",
+                          "Text96", "Text97",  30,       62,        77,       0};
+const Boxes kScourBoxes{"Text128", "Label5",  "Text129", "Text130", "Text123", "Text124", "Text125",
+                        "Text126", "Text127", 0,         75,        90,        105};
 
-const Boxes& BoxesOf(const ReachKind& kind) { return kind.scour ? kScourBoxes : kProfileBoxes; }
+const Boxes& BoxesOf(const ReachKind& kind) {
+    return kind.scour ? kScourBoxes : kProfileBoxes;
+}
 
 std::string Trim(std::string_view s) {
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
     std::string out(s);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return out;
 }
 
@@ -188,14 +195,16 @@ Plan PlanClicks(const forms::RecordSource& src) {
             late.push_back(here);
         }
     }
-    std::sort(late.begin(), late.end(), [](const Numbered& a, const Numbered& b) { return a.record < b.record; });
+    std::sort(late.begin(), late.end(),
+              [](const Numbered& a, const Numbered& b) { return a.record < b.record; });
     for (const auto& l : late)
-        plan.notices.push_back("El registro " + std::to_string(l.record) + " (sección " + std::to_string(l.i) +
-                               ") no se calcula: el tramo termina en la sección " + std::to_string(last.i) +
-                               ", que activa \"Perfiles\".");
+        plan.notices.push_back("El registro " + std::to_string(l.record) + " (sección " +
+                               std::to_string(l.i) + ") no se calcula: el tramo termina en la sección " +
+                               std::to_string(last.i) + ", que activa \"Perfiles\".");
     if (last.record == 0) {
         plan.error =
-            "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se activa.";
+            "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se "
+            "activa.";
         return plan;
     }
     plan.records.push_back(last.record);
@@ -220,7 +229,9 @@ const ReachKind* KindOfSheet(std::string_view sheet) {
     return nullptr;
 }
 
-std::string KindList() { return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)"; }
+std::string KindList() {
+    return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)";
+}
 
 std::string DefaultSheet(const std::string& path, std::string& why) {
 #ifdef CAUCE_HAS_WORKBOOK
@@ -231,8 +242,8 @@ std::string DefaultSheet(const std::string& path, std::string& why) {
             if (std::find(names.begin(), names.end(), k.sheet) != names.end()) return k.sheet;
         std::string list;
         for (const auto& n : names) list += (list.empty() ? "\"" : ", \"") + n + "\"";
-        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() + "); sus hojas son " +
-              (list.empty() ? "ninguna" : list) + ".";
+        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() +
+              "); sus hojas son " + (list.empty() ? "ninguna" : list) + ".";
     } catch (const Fault& f) {
         why = f.what();
     }
@@ -241,6 +252,22 @@ std::string DefaultSheet(const std::string& path, std::string& why) {
     why = "Esta versión se compiló sin libros de Excel.";
 #endif
     return "";
+}
+
+// The standard-step profile of the reach the screen holds, and the warnings about its own profile.
+void AddStandard(const forms::Screen& screen, const std::string& depth, const standard_step::Options& options,
+                 std::optional<double> y_upstream, ReachResult& res) {
+    res.legacy_warnings = standard_step::LegacyWarnings(screens::LegacyRunOf(screen));
+    screens::StandardReach reach = screens::StandardReachOf(screen, forms::Val(depth));
+    if (!reach.error.empty()) {
+        standard_step::Result failed;
+        failed.error = reach.error;
+        res.standard = failed;
+        return;
+    }
+    reach.input.options = options;
+    reach.input.upstream_depth = y_upstream;
+    res.standard = standard_step::Solve(reach.input);
 }
 
 ReachResult RunReach(const std::string& path, const ReachOptions& options, const SectionObserver& observer) {
@@ -253,15 +280,16 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
     }
     res.kind = KindOfSheet(sheet);
     if (!res.kind) {
-        res.error = "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
+        res.error =
+            "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
         return res;
     }
     const ReachKind& kind = *res.kind;
     const Boxes& b = BoxesOf(kind);
     res.depth = kind.scour ? options.y_final : options.y_initial;
     if (res.depth.empty()) {
-        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " + kind.option +
-                    ": el tirante en la última sección.";
+        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " +
+                    kind.option + ": el tirante en la última sección.";
         return res;
     }
 
