@@ -5,6 +5,9 @@
 // minima: the energy is scanned over the levels and an even grid first, and the least one refined.
 #include <algorithm>
 #include <cmath>
+#include <string>
+
+#include "hydraulics/fault.hpp"
 
 #include "hydraulics/standard_step/section.hpp"
 
@@ -67,7 +70,12 @@ double CriticalDepth(const Section& s) {
             }
         }
         // The least energy at the end of the grid: the minimum lies higher up.
-        if (best + 1 == grid.size() && hi < s.top() + kDepthLimit) {
+        if (best + 1 == grid.size() || grid[best] > s.top() + kDepthLimit) {
+            if (hi > s.top() + kDepthLimit)
+                raise(
+                    (s.number > 0 ? "La sección " + std::to_string(s.number)
+                                  : "El tramo en la abscisa " + std::to_string(s.x)) +
+                    " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su caudal).");
             hi *= 2;
             continue;
         }

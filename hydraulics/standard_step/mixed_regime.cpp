@@ -91,7 +91,11 @@ std::string BuildNodes(const ReachInput& in, std::vector<Node>& nodes) {
         n.reach = static_cast<int>(i);
         nodes.push_back(std::move(n));
     }
-    for (auto& n : nodes) n.s.yc = CriticalDepth(n.s);
+    // Surveyed sections first, so that a discharge no depth carries is told by its section.
+    for (auto& n : nodes)
+        if (n.surveyed >= 0) n.s.yc = CriticalDepth(n.s);
+    for (auto& n : nodes)
+        if (n.surveyed < 0) n.s.yc = CriticalDepth(n.s);
     return "";
 }
 

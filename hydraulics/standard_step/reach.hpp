@@ -42,7 +42,7 @@ struct Options {
     double expansion = 0.3;    // coefficient of the expansion loss (velocity head falling downstream)
     // Longest distance between computed sections, m. The default keeps the depths within 1 mm of
     // those at half the spacing on natural reaches of the bundled kind.
-    double max_spacing = 10.0;
+    double max_spacing = 5.0;
 };
 
 struct ReachInput {
