@@ -24,7 +24,7 @@ double RefineMinimum(const Section& s, double a, double b) {
     const double r = (std::sqrt(5.0) - 1) / 2;
     double c = b - r * (b - a), d = a + r * (b - a);
     double fc = Energy(s, c), fd = Energy(s, d);
-    while (b - a > 1e-6) {
+    while (b - a > 1e-4) {
         if (fc < fd) {
             b = d;
             d = c;
@@ -55,7 +55,7 @@ double CriticalDepth(const Section& s) {
     double hi = std::max(1.5 * s.top(), 3 * rect);
     for (;;) {
         std::vector<double> grid;
-        constexpr int kSteps = 32;
+        constexpr int kSteps = 12;
         for (int i = 1; i <= kSteps; ++i) grid.push_back(hi * i / kSteps);
         for (double y : s.y)
             if (y > 0 && y < hi) grid.push_back(y);

@@ -1,5 +1,6 @@
 // Geometry and conveyance of a standard-step section: the stack of trapezoidal bands below the top
 // level, and above it the channel between 1:1 walls beside a flood zone with 45-degree sides.
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -23,10 +24,11 @@ bool AllFinite(const SectionInput& in) {
     return true;
 }
 
-// Manning conveyance A^(5/3) / (n P^(2/3)); 0 for an empty area.
+// Manning conveyance A R^(2/3) / n; 0 for an empty area.
 double Conveyance(double area, double perim, double n) {
     if (area <= 0 || perim <= 0 || n <= 0) return 0;
-    return std::pow(area, 5.0 / 3.0) / (n * std::pow(perim, 2.0 / 3.0));
+    const double r = area / perim;
+    return area * std::cbrt(r * r) / n;
 }
 
 // Moment about the water surface (depth y) of the strip between depths a and b whose width goes
@@ -113,8 +115,6 @@ Props Evaluate(const Section& s, double y) {
         const double perim = s.perim[j - 1] + 2 * h * std::sqrt(1 + side * side);
         p.top_width = s.t[j - 1] + 2 * side * h;
         p.conveyance = Conveyance(p.area, perim, s.n);
-        for (std::size_t i = 1; i < j; ++i) p.force += StripMoment(y, s.y[i - 1], s.y[i], s.t[i - 1], s.t[i]);
-        p.force += StripMoment(y, s.y[j - 1], y, s.t[j - 1], p.top_width);
         return p;
     }
     // Over the banks: the channel between 1:1 walls keeps its bank-full wetted perimeter; the flood
@@ -133,9 +133,26 @@ Props Evaluate(const Section& s, double y) {
         const double k3a2 = p.conveyance * p.conveyance * p.conveyance / (p.area * p.area);
         p.alpha = (km * km * km / (am * am) + kf * kf * kf / (af * af)) / k3a2;
     }
-    for (std::size_t i = 1; i < m; ++i) p.force += StripMoment(y, s.y[i - 1], s.y[i], s.t[i - 1], s.t[i]);
-    p.force += StripMoment(y, s.top(), y, tn + w, p.top_width);
     return p;
+}
+
+/* Moment of the flow area about the water surface.
+   Input:  s; y > 0, the depth.
+   Output: the integral of (y - eta) T(eta) over the wetted depth, m3 (over the banks the width is
+           the channel's and the flood zone's, B + 2h).
+   Purpose: the hydrostatic part of the specific force. */
+double AreaMoment(const Section& s, double y) {
+    double moment = 0;
+    for (std::size_t i = 1; i < s.y.size(); ++i) {
+        if (y <= s.y[i]) {
+            const double side = (s.t[i] - s.t[i - 1]) / (s.y[i] - s.y[i - 1]);
+            return moment + StripMoment(y, s.y[i - 1], y, s.t[i - 1], s.t[i - 1] + side * (y - s.y[i - 1]));
+        }
+        moment += StripMoment(y, s.y[i - 1], s.y[i], s.t[i - 1], s.t[i]);
+    }
+    const double tn = s.bank_width();
+    const double wide = std::max(tn, s.flood_width);
+    return moment + StripMoment(y, s.top(), y, wide, wide + 2 * (y - s.top()));
 }
 
 double VelocityHead(const Section& s, const Props& p) {
@@ -143,8 +160,8 @@ double VelocityHead(const Section& s, const Props& p) {
     return p.alpha * v * v / (2 * kGravity);
 }
 
-double SpecificForce(const Section& s, const Props& p) {
-    return s.q * s.q / (kGravity * p.area) + p.force;
+double SpecificForce(const Section& s, double y) {
+    return s.q * s.q / (kGravity * Evaluate(s, y).area) + AreaMoment(s, y);
 }
 
 double FroudeNumber(const Section& s, const Props& p) {

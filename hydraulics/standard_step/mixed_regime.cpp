@@ -157,7 +157,7 @@ void SupercriticalPass(std::vector<Node>& nodes, const std::optional<double>& y_
 }
 
 double Force(const Node& n, double y) {
-    return SpecificForce(n.s, Evaluate(n.s, y));
+    return SpecificForce(n.s, y);
 }
 
 // The pass that governs a section: the greater specific force; equal forces stay subcritical.

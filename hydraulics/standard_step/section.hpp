@@ -26,11 +26,10 @@ struct Section {
     double bank_width() const { return t.back(); }
 };
 
-// Hydraulic properties at a depth.
+// Hydraulic properties at a depth (the area's moment, for the specific force, apart).
 struct Props {
     double area = 0, top_width = 0, conveyance = 0;
     double alpha = 1;  // velocity-head coefficient of the subdivided section
-    double force = 0;  // hydrostatic moment of the area about the water surface, m3
 };
 
 // Builds the level tables of a surveyed section; returns a Spanish message naming it, or "".
@@ -39,9 +38,9 @@ std::string BuildSection(const SectionInput& in, Section& out);
 // Properties of section s with the water y above its bed (y > 0).
 Props Evaluate(const Section& s, double y);
 
-double VelocityHead(const Section& s, const Props& p);   // alpha V^2 / 2g
-double SpecificForce(const Section& s, const Props& p);  // Q^2 / (g A) + moment, m3
-double FroudeNumber(const Section& s, const Props& p);   // sqrt(alpha Q^2 T / (g A^3))
+double VelocityHead(const Section& s, const Props& p);  // alpha V^2 / 2g
+double SpecificForce(const Section& s, double y);       // Q^2 / (g A) + the area's moment, m3
+double FroudeNumber(const Section& s, const Props& p);  // sqrt(alpha Q^2 T / (g A^3))
 
 // The section a fraction f of the way from a to b: bed, levels at equal relative depth, widths,
 // roughness, discharge and flood zone interpolated linearly.
