@@ -52,9 +52,15 @@ std::optional<double> StepUpstream(const Section& up, const Section& down, doubl
         const Props pu = Evaluate(up, y);
         return up.z_bed + y + VelocityHead(up, pu) - head - Losses(up, pu, down, pd, o);
     };
-    const double lo = up.yc;
-    const double flo = residual(lo);
-    if (flo > 0) return std::nullopt;
+    // From the nearer of the known depth and critical depth: the eddy losses can make the residual
+    // turn near critical depth, and the root sought is the one the flow reaches from the known side.
+    double lo = std::max(y_down, up.yc), flo = residual(lo);
+    if (flo > 0) {
+        if (lo == up.yc) return std::nullopt;
+        const double fyc = residual(up.yc);
+        if (fyc > 0) return std::nullopt;
+        return FindRoot(residual, up.yc, lo, fyc, flo, kTolerance);
+    }
     double step = std::max(0.1, 0.1 * up.top());
     double hi = lo + step, fhi = residual(hi);
     while (fhi < 0) {
@@ -78,10 +84,20 @@ std::optional<double> StepDownstream(const Section& up, const Section& down, dou
         const Props pd = Evaluate(down, y);
         return down.z_bed + y + VelocityHead(down, pd) + Losses(up, pu, down, pd, o) - head;
     };
-    const double hi = down.yc;
-    const double fhi = residual(hi);
-    if (fhi > 0) return std::nullopt;
-    double lo = hi / 2, flo = residual(lo);
+    // From the nearer of the known depth and critical depth, as upstream.
+    double hi = std::min(y_up, down.yc), fhi = residual(hi);
+    double lo = 0, flo = 0;
+    if (fhi > 0) {
+        if (hi == down.yc) return std::nullopt;
+        lo = hi;
+        flo = fhi;
+        hi = down.yc;
+        fhi = residual(hi);
+        if (fhi > 0) return std::nullopt;
+        return FindRoot(residual, lo, hi, flo, fhi, kTolerance);
+    }
+    lo = hi / 2;
+    flo = residual(lo);
     for (int i = 0; flo < 0; ++i) {
         if (i > 60) return std::nullopt;
         lo /= 2;
