@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <QValueAxis>
 #include <algorithm>
+#include <cmath>
 
 #include "app/drawing.hpp"
 #include "app/profile_chart.hpp"

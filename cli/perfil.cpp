@@ -222,8 +222,7 @@ int Run(const Options& o) {
         SectionObserver observer;
         if (methods.standard)
             observer = [&](const forms::Screen& screen, const SectionResult* section) {
-                if (!section)
-                    AddStandard(screen, o.y_initial.empty() ? o.y_final : o.y_initial, so, y_up, standard);
+                if (!section) AddStandard(screen, ro, so, y_up, standard);
             };
         ReachResult r = RunReach(o.books[b], ro, observer);
         r.standard = std::move(standard.standard);

@@ -255,9 +255,11 @@ std::string DefaultSheet(const std::string& path, std::string& why) {
 }
 
 // The standard-step profile of the reach the screen holds, and the warnings about its own profile.
-void AddStandard(const forms::Screen& screen, const std::string& depth, const standard_step::Options& options,
-                 std::optional<double> y_upstream, ReachResult& res) {
+void AddStandard(const forms::Screen& screen, const ReachOptions& reach_options,
+                 const standard_step::Options& options, std::optional<double> y_upstream, ReachResult& res) {
     res.legacy_warnings = standard_step::LegacyWarnings(screens::LegacyRunOf(screen));
+    const ReachKind* kind = KindOfSheet(screen.Sheet());
+    const std::string& depth = kind && kind->scour ? reach_options.y_final : reach_options.y_initial;
     screens::StandardReach reach = screens::StandardReachOf(screen, forms::Val(depth));
     if (!reach.error.empty()) {
         standard_step::Result failed;

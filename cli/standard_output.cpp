@@ -13,6 +13,7 @@ namespace {
 using StandardSectionResult = standard_step::SectionResult;
 
 std::string Fixed(double v, int decimals) {
+    if (std::fabs(v) < 0.5 * std::pow(10.0, -decimals)) v = 0;  // no "-0.00"
     char buf[48];
     std::snprintf(buf, sizeof buf, "%.*f", decimals, v);
     return buf;
@@ -85,11 +86,7 @@ void PrintStandardText(std::ostream& out, const ReachResult& r, bool with_legacy
             t.Row(cells);
         }
         t.Print(out);
-        if (st.jump)
-            out << "Resalto hidráulico en la abscisa " << Fixed(st.jump->chainage, 2)
-                << " m: y1 = " << Fixed(st.jump->y1, 3) << " m, y2 = " << Fixed(st.jump->y2, 3) << " m\n";
-        else
-            out << "Sin resalto hidráulico\n";
+        if (!st.jump) out << "Sin resalto hidráulico\n";
         for (const auto& n : st.notes) out << "Nota: " << n << "\n";
     }
     for (const auto& w : r.legacy_warnings) out << "Aviso (perfil de la pantalla): " << w << "\n";

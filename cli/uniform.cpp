@@ -27,8 +27,13 @@ bool Blank(const ShownRow& r) {
 std::unique_ptr<forms::Screen> RunChannel(const ChannelInput& in, Given given, const std::string& value) {
     auto s = screens::MakeScreen("Form1");
     s->Click("Command1");  // TRAPEZOIDAL: its layout, the boxes cleared
-    TypeAll(*s, {{"Text1", &in.n}, {"Text2", &in.S}, {"Text3", &in.b}, {"Text4", &in.z}, {"Text5", &in.h},
-                 {"Text6", &in.Bz}, {"Text7", &in.nz}});
+    TypeAll(*s, {{"Text1", &in.n},
+                 {"Text2", &in.S},
+                 {"Text3", &in.b},
+                 {"Text4", &in.z},
+                 {"Text5", &in.h},
+                 {"Text6", &in.Bz},
+                 {"Text7", &in.nz}});
     if (given == Given::Discharge) {
         s->Type("Text8", value);
         s->Click("Command4");  // "Yn?"
@@ -61,7 +66,7 @@ Shown ShownOnForm1(const forms::Screen& s, bool conduit, Given given) {
     std::vector<ShownRow> rows;
     if (conduit) {
         out.data = {Row(s, "Label1", {"Text1"}), Row(s, "Label2", {"Text2"}), Row(s, "Label3", {"Text3"})};
-        rows = {Row(s, "Label8", {"Text8"}),  Row(s, "Label9", {"Text9"}),   Row(s, "Label10", {"Text10"}),
+        rows = {Row(s, "Label8", {"Text8"}),   Row(s, "Label9", {"Text9"}),   Row(s, "Label10", {"Text10"}),
                 Row(s, "Label11", {"Text11"}), Row(s, "Label22", {"Text26"}), Row(s, "Label12", {"Text12"}),
                 Row(s, "Label13", {"Text13"}), Row(s, "Label4", {"Text4"}),   Row(s, "Label5", {"Text5"}),
                 Row(s, "Label6", {"Text6"}),   Row(s, "Label7", {"Text7"}),   Row(s, "Label14", {"Text14"})};
@@ -82,10 +87,14 @@ Shown ShownOnForm1(const forms::Screen& s, bool conduit, Given given) {
         auto row = [&](const char* label, const char* whole, const char* main, const char* zone) {
             return flood ? Row(s, label, {whole, main, zone}) : Row(s, label, {whole});
         };
-        rows = {row("Label8", "Text8", "Text15", "Text19"),   Row(s, "Label9", {"Text9"}),
-                row("Label24", "Text24", "Text16", "Text20"), row("Label10", "Text10", "Text17", "Text21"),
-                row("Label11", "Text11", "Text18", "Text22"), row("Label22", "Text26", "Text27", "Text23"),
-                Row(s, "Label12", {"Text12"}),                 Row(s, "Label13", {"Text13"}),
+        rows = {row("Label8", "Text8", "Text15", "Text19"),
+                Row(s, "Label9", {"Text9"}),
+                row("Label24", "Text24", "Text16", "Text20"),
+                row("Label10", "Text10", "Text17", "Text21"),
+                row("Label11", "Text11", "Text18", "Text22"),
+                row("Label22", "Text26", "Text27", "Text23"),
+                Row(s, "Label12", {"Text12"}),
+                Row(s, "Label13", {"Text13"}),
                 Row(s, "Label14", {"Text14"})};
     }
     for (auto& r : rows)
