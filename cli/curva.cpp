@@ -15,10 +15,15 @@
 #include "forms/binding.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
+#include "screens/form1.hpp"
+#include "screens/form5.hpp"
 
 namespace cauce::cli {
 
 namespace {
+
+namespace form1 = screens::form1;
+namespace form5 = screens::form5;
 
 // Points of one call: plenty for any curve, few enough to finish in seconds.
 constexpr long kMaxPoints = 5000;
@@ -86,12 +91,12 @@ Point FromForm1(const forms::Screen& s, const std::string& q) {
     Point p;
     p.q = q;
     p.fault = s.LastError().has_value();
-    p.notice = s.LastError() ? *s.LastError() : s.Get("Label21").text;
-    p.ok = !s.LastError() && !s.Get("Text9").text.empty();
+    p.notice = s.LastError() ? *s.LastError() : s.Get(form1::label::Message).text;
+    p.ok = !s.LastError() && !s.Get(form1::box::NormalDepth).text.empty();
     if (p.ok) {
-        p.yn = s.Get("Text9").text;
-        p.yc = s.Get("Text12").text;
-        p.v = s.Get("Text11").text;
+        p.yn = s.Get(form1::box::NormalDepth).text;
+        p.yc = s.Get(form1::box::CriticalDepth).text;
+        p.v = s.Get(form1::box::Velocity).text;
     }
     return p;
 }
@@ -100,17 +105,25 @@ Point FromForm5(const forms::Screen& s, const std::string& q) {
     Point p;
     p.q = q;
     p.fault = s.LastError().has_value();
-    const std::string& message = s.Get("Label31").text;
+    const std::string& message = s.Get(form5::label::Message).text;
     p.notice = s.LastError() ? *s.LastError() : message;
-    if (!s.Get("Label26").text.empty() && s.Get("Label26").text != "ZONA INUNDABLE:")
-        p.notice = s.Get("Label26").text + (p.notice.empty() ? "" : "; " + p.notice);
+    const std::string& table = s.Get(form5::label::FloodZone).text;
+    if (!table.empty() && table != "ZONA INUNDABLE:")
+        p.notice = table + (p.notice.empty() ? "" : "; " + p.notice);
     p.ok = !s.LastError() && (message.empty() || message == natural::kDesbordamiento);
     if (p.ok) {
-        p.yn = s.Get("Text99").text;
-        p.yc = s.Get("Text100").text;
-        p.v = s.Get("Text104").text;
+        p.yn = s.Get(form5::box::NormalDepth).text;
+        p.yc = s.Get(form5::box::CriticalDepth).text;
+        p.v = s.Get(form5::box::Velocity).text;
     }
     return p;
+}
+
+// A channel with a bank height marks its bank-full discharge once.
+void MarkBankfull(Curve& c, const forms::Screen& s) {
+    const std::string& full = s.Get(form1::box::BankfullDischarge).text;
+    if (c.marks.empty() && s.Get(form1::label::BankfullDischarge).text == "Q lleno" && !full.empty())
+        c.marks.push_back({"Q lleno", full});
 }
 
 template <typename RunOne>
@@ -153,8 +166,8 @@ Curve RecordCurve(const Options& o, const std::vector<std::string>& qs) {
         c.subtitle = "Sección " + secid + " de " + source->Path() + " (Form5, \"(Y?)\")";
         March(c, qs, [&](const std::string& q) {
             const auto s = RunNaturalSection(*source, record, q);
-            if (c.marks.empty() && !s->Get("Text101").text.empty())
-                c.marks.push_back({"Q lleno", s->Get("Text101").text});
+            const std::string& full = s->Get(form5::box::BankfullDischarge).text;
+            if (c.marks.empty() && !full.empty()) c.marks.push_back({"Q lleno", full});
             return FromForm5(*s, q);
         });
         return c;
@@ -172,8 +185,7 @@ Curve RecordCurve(const Options& o, const std::vector<std::string>& qs) {
                      ", S " + in.S + " (Form1, \"Yn?\")";
         March(c, qs, [&](const std::string& q) {
             const auto s = RunChannel(in, Given::Discharge, q);
-            if (c.marks.empty() && s->Get("Label14").text == "Q lleno" && !s->Get("Text14").text.empty())
-                c.marks.push_back({"Q lleno", s->Get("Text14").text});
+            MarkBankfull(c, *s);
             return FromForm1(*s, q);
         });
         return c;
@@ -190,8 +202,7 @@ Curve ChannelCurve(const Options& o, const std::vector<std::string>& qs) {
                  in.n + ", S " + in.S + (in.h.empty() ? "" : ", altura " + in.h + " m") + " (Form1, \"Yn?\")";
     March(c, qs, [&](const std::string& q) {
         const auto s = RunChannel(in, Given::Discharge, q);
-        if (c.marks.empty() && s->Get("Label14").text == "Q lleno" && !s->Get("Text14").text.empty())
-            c.marks.push_back({"Q lleno", s->Get("Text14").text});
+        MarkBankfull(c, *s);
         return FromForm1(*s, q);
     });
     return c;
@@ -206,9 +217,11 @@ Curve ConduitCurve(const Options& o, const std::vector<std::string>& qs) {
     c.subtitle = "Diámetro " + in.D + " m, n " + in.n + ", S " + in.S + " (Form1, \"Yn?\")";
     March(c, qs, [&](const std::string& q) {
         const auto s = RunConduit(in, Given::Discharge, q);
-        if (c.marks.empty() && !s->Get("Text4").text.empty() && !s->Get("Text5").text.empty()) {
-            c.marks.push_back({"Q lleno", s->Get("Text4").text});
-            c.marks.push_back({"Q Máximo", s->Get("Text5").text});
+        const std::string& full = s->Get(form1::box::FullDischarge).text;
+        const std::string& max = s->Get(form1::box::MaxDischarge).text;
+        if (c.marks.empty() && !full.empty() && !max.empty()) {
+            c.marks.push_back({"Q lleno", full});
+            c.marks.push_back({"Q Máximo", max});
         }
         return FromForm1(*s, q);
     });

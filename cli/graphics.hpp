@@ -17,10 +17,10 @@ struct CurvePoint {
 };
 
 struct CurvePlot {
-    std::string title;                                  // "Curva de gasto: Persecc, registro 3"
-    std::string subtitle;                               // what the section is
+    std::string title;     // "Curva de gasto: Persecc, registro 3"
+    std::string subtitle;  // what the section is
     double q_from = 0, q_to = 0;                        // the range asked for, m3/s
-    std::vector<CurvePoint> points;                     // the discharges with a normal depth
+    std::vector<CurvePoint> points;                    // the discharges with a normal depth
     std::vector<std::pair<std::string, double>> marks;  // reference discharges ("Q lleno", 51.7)
 };
 

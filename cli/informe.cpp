@@ -16,9 +16,7 @@ struct Options {
 int Run(const Options& o) {
     if (o.output.empty()) throw UsageError("falta -o ARCHIVO.pdf: dónde escribir el informe");
     if (o.y_initial.empty() && o.y_final.empty())
-        throw UsageError(
-            "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
-            "\")");
+        throw UsageError("falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones \")");
     if (!o.y_initial.empty()) NumberOption("--y-inicial", o.y_initial, Sign::Positive);
     if (!o.y_final.empty()) NumberOption("--y-final", o.y_final, Sign::Positive);
     if (!o.sheet.empty() && !KindOfSheet(o.sheet))
@@ -33,16 +31,13 @@ Command AddInforme(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand("informe", "Escribe en PDF el informe de cálculo de un tramo");
     app->add_option("LIBRO", o.book, "Libro de Excel del tramo")->required()->type_name("");
-    app->add_option("--hoja", o.sheet,
-                    "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)")
+    app->add_option("--hoja", o.sheet, "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)")
         ->type_name("NOMBRE");
-    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")
-        ->type_name("Y");
+    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");
     app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3")->type_name("Y");
     app->add_option("-o,--salida", o.output, "Archivo PDF del informe")->type_name("ARCHIVO");
     app->footer(
-        "El tramo se calcula como en \"cauce perfil\" (las mismas pantallas, los mismos números) y el "
-        "informe\n"
+        "El tramo se calcula como en \"cauce perfil\" (las mismas pantallas, los mismos números) y el informe\n"
         "reúne los datos de entrada de cada sección, sus resultados, la tabla del perfil, el dibujo de cada\n"
         "sección transversal y el perfil longitudinal. El archivo se escribe completo o no se escribe.\n"
         "Ejemplos:\n"

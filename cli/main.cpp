@@ -17,8 +17,7 @@ int main(int argc, char** argv) {
     app.footer("Sin argumentos, cauce abre la aplicación de escritorio.");
 
     std::string script = "-";
-    auto* guion =
-        app.add_subcommand("guion", "Ejecuta una pantalla desde un guion y muestra sus controles en JSON");
+    auto* guion = app.add_subcommand("guion", "Ejecuta una pantalla desde un guion y muestra sus controles en JSON");
     guion->add_option("ARCHIVO", script, "Guion a ejecutar (\"-\" o nada: la entrada estándar)");
     guion->footer(
         "Órdenes, una por línea:\n"

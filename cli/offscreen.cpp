@@ -17,8 +17,7 @@ namespace {
 // Qt's notes about the offscreen platform (no runtime folder, no window hints) mean nothing to the
 // user of a command; its critical messages still get through.
 void QuietMessages(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (type == QtCriticalMsg || type == QtFatalMsg)
-        std::fprintf(stderr, "cauce: Qt: %s\n", qPrintable(message));
+    if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "cauce: Qt: %s\n", qPrintable(message));
 }
 
 }  // namespace
@@ -47,10 +46,9 @@ std::string WriteAtomically(const std::string& path, const std::string& what,
     const QFileInfo info(target);
     if (info.exists() && info.isDir()) return "\"" + path + "\" es una carpeta, no un archivo";
     const QString folder = info.absolutePath();
-    if (!QFileInfo(folder).isDir())
-        return "no existe la carpeta \"" + folder.toStdString() + "\" para " + what;
-    const QString temporary = folder + QStringLiteral("/.") + info.fileName() +
-                              QStringLiteral(".%1.tmp").arg(QCoreApplication::applicationPid());
+    if (!QFileInfo(folder).isDir()) return "no existe la carpeta \"" + folder.toStdString() + "\" para " + what;
+    const QString temporary =
+        folder + QStringLiteral("/.") + info.fileName() + QStringLiteral(".%1.tmp").arg(QCoreApplication::applicationPid());
     const std::string why = write(temporary);
     if (!why.empty()) {
         QFile::remove(temporary);

@@ -38,9 +38,7 @@ nlohmann::ordered_json TextOrNull(const std::string& text) {
     return text;
 }
 
-bool Faulty(const SectionResult& s) {
-    return s.faulty;
-}
+bool Faulty(const SectionResult& s) { return s.faulty; }
 
 std::string SectionNotice(const SectionResult& s) {
     if (s.error.empty()) return s.notice;
@@ -74,8 +72,8 @@ void PrintText(std::ostream& out, const ReachResult& r, const Methods& m) {
         out << "\nResultados por sección (\"(Y?)\")\n";
         TextTable t({"Registro", "Sección", "Yn m", "Yc m", "Q lleno m3/s", "Desborda", "Avisos"});
         for (const auto& s : r.sections)
-            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno,
-                   Overflow(s, "sí"), SectionNotice(s)});
+            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno, Overflow(s, "sí"),
+                   SectionNotice(s)});
         t.Print(out);
     }
     if (!r.profile.empty() && m.legacy) {
@@ -92,20 +90,17 @@ void PrintText(std::ostream& out, const ReachResult& r, const Methods& m) {
     }
     if (m.standard) PrintStandardText(out, r, m.legacy);
     for (const auto& n : r.notices) out << "Aviso: " << n << "\n";
-    if (r.saved)
-        out << "Tabla guardada en " << r.file << (r.save_note.empty() ? "" : " (" + r.save_note + ")")
-            << "\n";
+    if (r.saved) out << "Tabla guardada en " << r.file << (r.save_note.empty() ? "" : " (" + r.save_note + ")") << "\n";
     if (!r.Ok()) out << "Error: " << r.error << "\n";
     out << "\n";
 }
 
-const char* kCsvLegacyHeader =
-    "libro,hoja,pantalla,registro,seccion,yn_m,yc_m,q_lleno_m3s,desborda,abscisa_m,tipo,z_agua_m,v_media_ms,"
-    "ysoc_m,"
+const char* kCsvHeader =
+    "libro,hoja,pantalla,registro,seccion,yn_m,yc_m,q_lleno_m3s,desborda,abscisa_m,tipo,z_agua_m,v_media_ms,ysoc_m,"
     "aviso\n";
 
 std::string CsvHeader(bool standard) {
-    std::string head = kCsvLegacyHeader;
+    std::string head = kCsvHeader;
     if (standard) head.insert(head.size() - 1, std::string(",") + kStandardCsvColumns);
     return head;
 }
@@ -156,16 +151,13 @@ nlohmann::ordered_json ToJson(const ReachResult& r, const Methods& m) {
     }
     j["secciones"] = sections;
     auto profile = nlohmann::ordered_json::array();
-    if (m.legacy) {
-        for (const auto& p : r.profile) {
-            nlohmann::ordered_json row{{"seccion", p.section},
-                                       {"abscisa", NumberOrNull(p.chainage)},
-                                       {"tipo", TextOrNull(p.type)},
-                                       {"z_agua", NumberOrNull(p.zw)},
-                                       {"v_media", NumberOrNull(p.v)}};
-            if (r.scour) row["ysoc"] = NumberOrNull(p.ysoc);
-            profile.push_back(row);
-        }
+    for (const auto& p : r.profile) {
+        if (!m.legacy) break;
+        nlohmann::ordered_json row{{"seccion", p.section},       {"abscisa", NumberOrNull(p.chainage)},
+                                   {"tipo", TextOrNull(p.type)}, {"z_agua", NumberOrNull(p.zw)},
+                                   {"v_media", NumberOrNull(p.v)}};
+        if (r.scour) row["ysoc"] = NumberOrNull(p.ysoc);
+        profile.push_back(row);
     }
     if (m.standard) AddStandardJson(profile, j, r);
     j["perfil"] = profile;
@@ -187,9 +179,8 @@ Methods ParseMethods(const Options& o) {
         throw UsageError("--metodo: \"" + o.method + "\" no es legado, estandar ni ambos");
     }
     if (!m.standard && (!o.contraction.empty() || !o.expansion.empty() || !o.y_upstream.empty()))
-        throw UsageError(
-            "--contraccion, --expansion y --y-aguas-arriba son del perfil por paso estándar: "
-            "use --metodo estandar o ambos");
+        throw UsageError("--contraccion, --expansion y --y-aguas-arriba son del perfil por paso estándar: "
+                         "use --metodo estandar o ambos");
     return m;
 }
 
@@ -197,9 +188,7 @@ int Run(const Options& o) {
     const Format format = ParseFormat(o.format, true);
     const Methods methods = ParseMethods(o);
     if (o.y_initial.empty() && o.y_final.empty())
-        throw UsageError(
-            "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
-            "\")");
+        throw UsageError("falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones \")");
     if (!o.y_initial.empty()) NumberOption("--y-inicial", o.y_initial, Sign::Positive);
     if (!o.y_final.empty()) NumberOption("--y-final", o.y_final, Sign::Positive);
     if (!o.sheet.empty() && !KindOfSheet(o.sheet))
@@ -207,8 +196,7 @@ int Run(const Options& o) {
 
     ReachOptions ro{o.sheet, o.y_initial, o.y_final, o.save};
     standard_step::Options so;
-    if (!o.contraction.empty())
-        so.contraction = NumberOption("--contraccion", o.contraction, Sign::NonNegative);
+    if (!o.contraction.empty()) so.contraction = NumberOption("--contraccion", o.contraction, Sign::NonNegative);
     if (!o.expansion.empty()) so.expansion = NumberOption("--expansion", o.expansion, Sign::NonNegative);
     std::optional<double> y_up;
     if (!o.y_upstream.empty()) y_up = NumberOption("--y-aguas-arriba", o.y_upstream, Sign::Positive);
@@ -234,23 +222,16 @@ int Run(const Options& o) {
             progress.Clear();
             if (!r.Ok()) std::cerr << "cauce perfil: " << o.books[b] << ": " << r.error << "\n";
             if (r.standard && !r.standard->Ok())
-                std::cerr << "cauce perfil: " << o.books[b] << ": paso estándar: " << r.standard->error
-                          << "\n";
+                std::cerr << "cauce perfil: " << o.books[b] << ": paso estándar: " << r.standard->error << "\n";
             for (const auto& s : r.sections)
                 if (Faulty(s))
-                    std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección "
-                              << s.section << "): " << SectionNotice(s) << "\n";
+                    std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección " << s.section
+                              << "): " << SectionNotice(s) << "\n";
         }
         switch (format) {
-            case Format::Text:
-                PrintText(std::cout, r, methods);
-                break;
-            case Format::Csv:
-                PrintCsv(std::cout, r, methods);
-                break;
-            case Format::Json:
-                json.push_back(ToJson(r, methods));
-                break;
+            case Format::Text: PrintText(std::cout, r, methods); break;
+            case Format::Csv: PrintCsv(std::cout, r, methods); break;
+            case Format::Json: json.push_back(ToJson(r, methods)); break;
         }
         std::cout.flush();
     }
@@ -264,46 +245,32 @@ int Run(const Options& o) {
 
 Command AddPerfil(CLI::App& parent) {
     static Options o;
-    CLI::App* app = parent.add_subcommand(
-        "perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");
-    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")
-        ->required()
-        ->type_name("");
-    app->add_option("--hoja", o.sheet,
-                    "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
-                    "sin ella, la primera de ellas que tenga el libro")
+    CLI::App* app = parent.add_subcommand("perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");
+    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")->required()->type_name("");
+    app->add_option("--hoja", o.sheet, "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
+                                       "sin ella, la primera de ellas que tenga el libro")
         ->type_name("NOMBRE");
-    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")
-        ->type_name("Y");
-    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")
-        ->type_name("Y");
-    app->add_flag("--guardar", o.save,
-                  "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
-    app->add_option(
-           "--metodo", o.method,
-           "Perfil: legado (el de la pantalla, por omisión), estandar (paso estándar en régimen mixto) "
-           "o ambos")
+    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");
+    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")->type_name("Y");
+    app->add_flag("--guardar", o.save, "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
+    app->add_option("--metodo", o.method,
+                    "Perfil: legado (el de la pantalla, por omisión), estandar (paso estándar en régimen mixto) "
+                    "o ambos")
         ->type_name("METODO");
-    app->add_option("--contraccion", o.contraction,
-                    "Coeficiente de pérdida por contracción del paso estándar (0.1)")
+    app->add_option("--contraccion", o.contraction, "Coeficiente de pérdida por contracción del paso estándar (0.1)")
         ->type_name("C");
-    app->add_option("--expansion", o.expansion,
-                    "Coeficiente de pérdida por expansión del paso estándar (0.3)")
+    app->add_option("--expansion", o.expansion, "Coeficiente de pérdida por expansión del paso estándar (0.3)")
         ->type_name("E");
-    app->add_option(
-           "--y-aguas-arriba", o.y_upstream,
-           "Tirante supercrítico en la primera sección (m) para el paso estándar; sin él, el crítico si "
-           "el flujo entra en pendiente fuerte")
+    app->add_option("--y-aguas-arriba", o.y_upstream,
+                    "Tirante supercrítico en la primera sección (m) para el paso estándar; sin él, el crítico si "
+                    "el flujo entra en pendiente fuerte")
         ->type_name("Y");
     app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
     app->footer(
-        "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al "
-        "final),\n"
-        "luego el tirante y \"Perfiles\". Se imprimen por sección Yn, Yc, el caudal a banca llena y si "
-        "desborda,\n"
+        "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al final),\n"
+        "luego el tirante y \"Perfiles\". Se imprimen por sección Yn, Yc, el caudal a banca llena y si desborda,\n"
         "y la tabla del perfil (abscisa, tipo, cota del agua, velocidad y, en Form3, socavación).\n"
-        "Sale con 0 si todo se calculó, 1 si un libro o una sección no se pudo calcular, 2 si la orden está "
-        "mal.\n"
+        "Sale con 0 si todo se calculó, 1 si un libro o una sección no se pudo calcular, 2 si la orden está mal.\n"
         "Ejemplos:\n"
         "  cauce perfil Rios.xlsx --y-inicial 1.8\n"
         "  cauce perfil Rios.xlsx --hoja Percanal --y-inicial 1.2 --formato csv > perfil.csv\n"

@@ -6,12 +6,9 @@
 
 namespace cauce::cli {
 
-Progress::Progress(std::string what, int total)
-    : what_(std::move(what)), total_(total), active_(ErrorIsTerminal()) {}
+Progress::Progress(std::string what, int total) : what_(std::move(what)), total_(total), active_(ErrorIsTerminal()) {}
 
-Progress::~Progress() {
-    Clear();
-}
+Progress::~Progress() { Clear(); }
 
 void Progress::Step(int done, std::string_view item) {
     if (!active_) return;

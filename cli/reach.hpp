@@ -35,7 +35,7 @@ std::string KindList();
 
 // One record's data as the screen showed them (the workbook's texts).
 struct SectionInput {
-    std::string secid, sections;                              // "SecId", "No# secciones"
+    std::string secid, sections;                          // "SecId", "No# secciones"
     std::vector<std::pair<std::string, std::string>> levels;  // (z, t) up to the first empty elevation
     std::string roughness, slope, discharge, flood_width, flood_roughness;
     std::string chainage;    // Form3's own "Abscisa"; "" on Form2 and Form4 (their table holds it)
@@ -47,8 +47,8 @@ struct SectionResult {
     int record = 0;   // 1-based row of the sheet
     int section = 0;  // the section number the screen computed (its state's i)
     SectionInput input;
-    std::string yn, yc;     // the result boxes, as shown ("0.00")
-    std::string qlleno;     // bank-full discharge, "0.00" as the uniform-flow screen shows it
+    std::string yn, yc;   // the result boxes, as shown ("0.00")
+    std::string qlleno;   // bank-full discharge, "0.00" as the uniform-flow screen shows it
     bool overflow = false;  // the discharge leaves the banks
     bool computed = false;  // results were written for this section
     std::string notice;     // the screen's messages about this section ("" when none)
@@ -87,10 +87,10 @@ struct ReachResult {
 };
 
 struct ReachOptions {
-    std::string sheet;      // "" to take the first profile sheet the workbook has
-    std::string y_initial;  // text for Form2 and Form4
-    std::string y_final;    // text for Form3
-    bool save = false;      // save the table into the workbook as the binding does
+    std::string sheet;       // "" to take the first profile sheet the workbook has
+    std::string y_initial;   // text for Form2 and Form4
+    std::string y_final;     // text for Form3
+    bool save = false;       // save the table into the workbook as the binding does
 };
 
 // Called after "(Y?)" of each record, with the screen as it stands then (the desktop would show
@@ -99,14 +99,13 @@ using SectionObserver = std::function<void(const forms::Screen& screen, const Se
 
 // Runs the reach of one workbook. Never throws for bad data or a workbook that cannot be read: the
 // result's error says what stopped it. Needs the workbook opener installed (InstallWorkbooks).
-ReachResult RunReach(const std::string& path, const ReachOptions& options,
-                     const SectionObserver& observer = {});
+ReachResult RunReach(const std::string& path, const ReachOptions& options, const SectionObserver& observer = {});
 
 // After "Perfiles" (the observer's call with no section): the standard-step profile of the reach the
 // screen holds, for the depth the options give its screen, and the warnings about the screen's own
 // profile, into res.
-void AddStandard(const forms::Screen& screen, const ReachOptions& reach,
-                 const standard_step::Options& options, std::optional<double> y_upstream, ReachResult& res);
+void AddStandard(const forms::Screen& screen, const ReachOptions& reach, const standard_step::Options& options,
+                 std::optional<double> y_upstream, ReachResult& res);
 
 // The profile sheet a workbook holds first (Persecc, Percanal, "secciones "), or "" with a reason.
 std::string DefaultSheet(const std::string& path, std::string& why);

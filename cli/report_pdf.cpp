@@ -25,9 +25,7 @@ namespace cauce::cli {
 
 namespace {
 
-QString Q(const std::string& s) {
-    return QString::fromStdString(s);
-}
+QString Q(const std::string& s) { return QString::fromStdString(s); }
 
 constexpr int kDpi = 300;
 constexpr double kMm = kDpi / 25.4;  // device units per millimetre
@@ -48,9 +46,8 @@ const QColor kStripe(246, 248, 251);
 
 // Lays text, tables and figures down the pages, breaking pages as they fill.
 class Pages {
-  public:
-    Pages(QPdfWriter& writer, QPainter& p, QString footer)
-        : writer_(writer), p_(p), footer_(std::move(footer)) {
+public:
+    Pages(QPdfWriter& writer, QPainter& p, QString footer) : writer_(writer), p_(p), footer_(std::move(footer)) {
         const QRect r = writer.pageLayout().paintRectPixels(kDpi);
         area_ = QRectF(0, 0, r.width(), r.height());
         y_ = area_.top();
@@ -79,8 +76,7 @@ class Pages {
         const QRectF used = p_.boundingRect(box, Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop, text);
         Need(used.height());
         p_.setPen(color);
-        p_.drawText(QRectF(area_.left(), y_, area_.width(), used.height() + 2),
-                    Qt::TextWordWrap | Qt::AlignLeft, text);
+        p_.drawText(QRectF(area_.left(), y_, area_.width(), used.height() + 2), Qt::TextWordWrap | Qt::AlignLeft, text);
         y_ += used.height();
         return used.height();
     }
@@ -123,9 +119,7 @@ class Pages {
             for (std::size_t c = 0; c < cells.size() && c + 1 < x.size(); ++c) {
                 const QRectF cell(x[c] + 1.2 * kMm, y_, x[c + 1] - x[c] - 2.4 * kMm, row_h);
                 const auto align = (numeric[c] ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
-                p_.drawText(
-                    cell, align,
-                    QFontMetricsF(p_.font(), &writer_).elidedText(cells[c], Qt::ElideRight, cell.width()));
+                p_.drawText(cell, align, QFontMetricsF(p_.font(), &writer_).elidedText(cells[c], Qt::ElideRight, cell.width()));
             }
             p_.setPen(QPen(kRule, header ? 0.25 * kMm : 0.1 * kMm));
             p_.drawLine(QPointF(area_.left(), y_ + row_h), QPointF(area_.right(), y_ + row_h));
@@ -153,7 +147,7 @@ class Pages {
 
     int Page() const { return page_; }
 
-  private:
+private:
     double Bottom() const { return area_.bottom() - 9 * kMm; }
 
     void Footer() {
@@ -198,17 +192,15 @@ void StandardSection(Pages& pages, const ReportPart& part) {
 
 void InputSection(Pages& pages, const ReachResult& r) {
     pages.Heading(QStringLiteral("1. Datos de entrada"));
-    pages.Text(QStringLiteral(
-                   "Datos de cada registro tal como los muestra la pantalla %1. La rugosidad n es la de "
-                   "Manning; S0 es la pendiente del fondo; la zona inundable se da por su ancho total B y "
-                   "su rugosidad.")
+    pages.Text(QStringLiteral("Datos de cada registro tal como los muestra la pantalla %1. La rugosidad n es la de "
+                              "Manning; S0 es la pendiente del fondo; la zona inundable se da por su ancho total B y "
+                              "su rugosidad.")
                    .arg(Q(r.kind->form)),
                8.5);
     pages.Skip(2);
-    std::vector<QString> head{
-        QStringLiteral("Sección"), QStringLiteral("Registro"), QStringLiteral("Z fondo m"),
-        QStringLiteral("Niveles"), QStringLiteral("n"),        QStringLiteral("S0"),
-        QStringLiteral("Q m3/s"),  QStringLiteral("B zona m"), QStringLiteral("n zona")};
+    std::vector<QString> head{QStringLiteral("Sección"), QStringLiteral("Registro"), QStringLiteral("Z fondo m"),
+                              QStringLiteral("Niveles"),  QStringLiteral("n"),        QStringLiteral("S0"),
+                              QStringLiteral("Q m3/s"),   QStringLiteral("B zona m"), QStringLiteral("n zona")};
     std::vector<double> weights{1, 1.1, 1.3, 1, 1, 1.1, 1.1, 1.2, 1};
     if (r.kind->scour) {
         head.insert(head.end(), {QStringLiteral("Abscisa m"), QStringLiteral("D mm")});
@@ -217,53 +209,44 @@ void InputSection(Pages& pages, const ReachResult& r) {
     std::vector<std::vector<QString>> rows;
     for (const auto& s : r.sections) {
         const SectionInput& in = s.input;
-        std::vector<QString> row{QString::number(s.section),
-                                 QString::number(s.record),
+        std::vector<QString> row{QString::number(s.section), QString::number(s.record),
                                  in.levels.empty() ? QString() : Q(in.levels.front().first),
-                                 QString::number(in.levels.size()),
-                                 Q(in.roughness),
-                                 Q(in.slope),
-                                 Q(in.discharge),
-                                 Q(in.flood_width),
-                                 Q(in.flood_roughness)};
+                                 QString::number(in.levels.size()), Q(in.roughness), Q(in.slope), Q(in.discharge),
+                                 Q(in.flood_width), Q(in.flood_roughness)};
         if (r.kind->scour) row.insert(row.end(), {Q(in.chainage), Q(in.grain_size)});
         rows.push_back(row);
     }
     pages.Table(head, rows, weights);
-    pages.Text(
-        QStringLiteral("Los niveles de cada sección (cota Z y ancho T) se listan junto a su dibujo, en el "
-                       "apartado 5."),
-        8);
+    pages.Text(QStringLiteral("Los niveles de cada sección (cota Z y ancho T) se listan junto a su dibujo, en el "
+                              "apartado 5."),
+               8);
 }
 
 void ResultSection(Pages& pages, const ReachResult& r) {
     pages.Heading(QStringLiteral("2. Resultados por sección"));
-    pages.Text(QStringLiteral(
-                   "Profundidad normal Yn y crítica Yc de cada sección (\"(Y?)\"), caudal a banca llena y "
-                   "si el caudal desborda hacia la zona inundable."),
+    pages.Text(QStringLiteral("Profundidad normal Yn y crítica Yc de cada sección (\"(Y?)\"), caudal a banca llena y "
+                              "si el caudal desborda hacia la zona inundable."),
                8.5);
     pages.Skip(2);
     std::vector<std::vector<QString>> rows;
     for (const auto& s : r.sections) {
         QString notice = Q(s.notice);
-        if (!s.error.empty())
-            notice = Q(s.error) + (notice.isEmpty() ? QString() : QStringLiteral("; ") + notice);
+        if (!s.error.empty()) notice = Q(s.error) + (notice.isEmpty() ? QString() : QStringLiteral("; ") + notice);
         rows.push_back({QString::number(s.section), Q(s.yn), Q(s.yc), Q(s.qlleno),
                         s.overflow ? QStringLiteral("sí") : QStringLiteral("no"), notice});
     }
-    pages.Table({QStringLiteral("Sección"), QStringLiteral("Yn m"), QStringLiteral("Yc m"),
-                 QStringLiteral("Q lleno m3/s"), QStringLiteral("Desborda"), QStringLiteral("Avisos")},
+    pages.Table({QStringLiteral("Sección"), QStringLiteral("Yn m"), QStringLiteral("Yc m"), QStringLiteral("Q lleno m3/s"),
+                 QStringLiteral("Desborda"), QStringLiteral("Avisos")},
                 rows, {1, 1, 1, 1.4, 1, 4});
 }
 
 void ProfileSection(Pages& pages, const ReachResult& r) {
     pages.Heading(QStringLiteral("3. Perfil de la superficie del agua"));
-    pages.Text(
-        QStringLiteral("\"Perfiles\" con %1 = %2 m en la sección %3, calculado desde la última sección hacia "
-                       "aguas arriba. Tipo de perfil: M1, M2 (pendiente suave), S1, S2 (pendiente fuerte).")
-            .arg(Q(r.kind->depth_name), Q(r.depth))
-            .arg(r.n_sections),
-        8.5);
+    pages.Text(QStringLiteral("\"Perfiles\" con %1 = %2 m en la sección %3, calculado desde la última sección hacia "
+                              "aguas arriba. Tipo de perfil: M1, M2 (pendiente suave), S1, S2 (pendiente fuerte).")
+                   .arg(Q(r.kind->depth_name), Q(r.depth))
+                   .arg(r.n_sections),
+               8.5);
     pages.Skip(2);
     std::vector<QString> head{QStringLiteral("Sección"), QStringLiteral("Abscisa m"), QStringLiteral("Tipo"),
                               QStringLiteral("Z agua m"), QStringLiteral("V media m/s")};
@@ -280,9 +263,7 @@ void ProfileSection(Pages& pages, const ReachResult& r) {
 void PlotSection(Pages& pages, QPainter& p, const Captured& c) {
     pages.Heading(QStringLiteral("4. Perfil longitudinal"));
     if (c.profile.empty()) {
-        pages.Text(
-            QStringLiteral("El tramo tiene menos de dos secciones dibujables: no hay perfil que dibujar."),
-            9);
+        pages.Text(QStringLiteral("El tramo tiene menos de dos secciones dibujables: no hay perfil que dibujar."), 9);
         return;
     }
     app::ProfileChart chart;
@@ -297,19 +278,17 @@ void PlotSection(Pages& pages, QPainter& p, const Captured& c) {
     chart.render(&p, box, chart.viewport()->rect());
     p.restore();
     pages.Skip(2);
-    pages.Text(QStringLiteral(
-                   "Fondo, superficie del agua y profundidad crítica contra la abscisa; sobre cada punto, "
-                   "la sección y su tipo de perfil."),
+    pages.Text(QStringLiteral("Fondo, superficie del agua y profundidad crítica contra la abscisa; sobre cada punto, "
+                              "la sección y su tipo de perfil."),
                8);
 }
 
 void SketchSection(Pages& pages, QPainter& p, const ReachResult& r, const Captured& c) {
     pages.Heading(QStringLiteral("5. Secciones transversales"));
-    pages.Text(
-        QStringLiteral("Cada sección con el agua a su profundidad normal; la profundidad crítica, a trazos. "
-                       "Las secciones anchas y poco profundas se dibujan con las alturas exageradas, como se "
-                       "indica en cada una."),
-        8.5);
+    pages.Text(QStringLiteral("Cada sección con el agua a su profundidad normal; la profundidad crítica, a trazos. "
+                              "Las secciones anchas y poco profundas se dibujan con las alturas exageradas, como se "
+                              "indica en cada una."),
+               8.5);
     pages.Skip(2);
     const double h = 52 * kMm;
     for (std::size_t k = 0; k < r.sections.size(); ++k) {
@@ -340,8 +319,7 @@ void SketchSection(Pages& pages, QPainter& p, const ReachResult& r, const Captur
             y += line;
         };
         put(QStringLiteral("Sección %1 (registro %2)").arg(s.section).arg(s.record), true);
-        put(QStringLiteral("Yn %1 m   Yc %2 m")
-                .arg(Q(s.yn.empty() ? "-" : s.yn), Q(s.yc.empty() ? "-" : s.yc)));
+        put(QStringLiteral("Yn %1 m   Yc %2 m").arg(Q(s.yn.empty() ? "-" : s.yn), Q(s.yc.empty() ? "-" : s.yc)));
         put(QStringLiteral("Q %1 m3/s   Q lleno %2 m3/s").arg(Q(s.input.discharge), Q(s.qlleno)));
         // The levels in three right-aligned columns.
         const double c1 = w * 0.2, c2 = w * 0.5, c3 = w * 0.8;
@@ -366,8 +344,8 @@ void SketchSection(Pages& pages, QPainter& p, const ReachResult& r, const Captur
 std::string Compose(const QString& file, const ReachResult& r, const Captured& c) {
     QPdfWriter writer(file);
     writer.setResolution(kDpi);
-    writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
-                                     QMarginsF(18, 16, 16, 14), QPageLayout::Millimeter));
+    writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(18, 16, 16, 14),
+                                     QPageLayout::Millimeter));
     writer.setTitle(QStringLiteral("Informe de cálculo: %1").arg(Q(r.path)));
     writer.setCreator(QStringLiteral("Cauce"));
     QPainter p;
@@ -378,24 +356,17 @@ std::string Compose(const QString& file, const ReachResult& r, const Captured& c
 
     pages.Text(QStringLiteral("Informe de cálculo hidráulico"), 20, true, QColor(18, 60, 120));
     pages.Skip(1);
-    pages.Text(QStringLiteral("Perfil de la superficie del agua en flujo gradualmente variado: %1")
-                   .arg(Q(r.kind->title)),
+    pages.Text(QStringLiteral("Perfil de la superficie del agua en flujo gradualmente variado: %1").arg(Q(r.kind->title)),
                11);
     pages.Skip(4);
     pages.Text(QStringLiteral("Libro: %1").arg(Q(r.file.empty() ? r.path : r.file)), 9);
     pages.Text(QStringLiteral("Hoja: \"%1\" (pantalla %2)").arg(Q(r.kind->sheet), Q(r.kind->form)), 9);
-    pages.Text(QStringLiteral("%1 en la sección %2: %3 m")
-                   .arg(Q(r.kind->depth_name))
-                   .arg(r.n_sections)
-                   .arg(Q(r.depth)),
-               9);
+    pages.Text(QStringLiteral("%1 en la sección %2: %3 m").arg(Q(r.kind->depth_name)).arg(r.n_sections).arg(Q(r.depth)), 9);
     pages.Text(QStringLiteral("Número de secciones: %1").arg(r.n_sections), 9);
-    pages.Text(QStringLiteral("Fecha: %1").arg(QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd"))),
-               9);
+    pages.Text(QStringLiteral("Fecha: %1").arg(QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd"))), 9);
     pages.Skip(2);
-    pages.Text(QStringLiteral(
-                   "Unidades métricas (m, m2, m3/s, m/s); n de Manning; g = 9.81 m/s2. Los números son los "
-                   "que muestran las pantallas del programa con sus formatos (\"0.00\", \"0.000\")."),
+    pages.Text(QStringLiteral("Unidades métricas (m, m2, m3/s, m/s); n de Manning; g = 9.81 m/s2. Los números son los "
+                              "que muestran las pantallas del programa con sus formatos (\"0.00\", \"0.000\")."),
                8.5, false, QColor(70, 70, 70));
 
     InputSection(pages, r);
@@ -437,8 +408,9 @@ int WriteReport(const std::string& book, const ReachOptions& options, const std:
         return kExitData;
     }
     progress.Step(2, "dibujos y tablas");
-    const std::string why = WriteAtomically(
-        output, "el informe", [&](const QString& temporary) { return Compose(temporary, r, captured); });
+    const std::string why = WriteAtomically(output, "el informe", [&](const QString& temporary) {
+        return Compose(temporary, r, captured);
+    });
     progress.Clear();
     if (!why.empty()) {
         std::cerr << "cauce informe: " << why << "\n";
