@@ -17,6 +17,8 @@
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/standard_step/warnings.hpp"
+#include "screens/form3.hpp"
+#include "screens/profile_screen.hpp"
 #include "screens/standard_reach.hpp"
 
 namespace cauce::app {
@@ -28,8 +30,8 @@ QString Q(const std::string& s) {
 }
 
 // The box holding the depth at the last section on each profile screen.
-const char* DepthBox(const forms::Screen& screen) {
-    return screen.Name() == "Form3" ? "Text128" : "Text98";
+forms::ControlName DepthBox(const forms::Screen& screen) {
+    return screen.Name() == "Form3" ? screens::form3::kReach.depth : screens::profile::kReach.depth;
 }
 
 QString Fixed(double v, int decimals) {

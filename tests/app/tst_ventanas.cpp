@@ -279,10 +279,10 @@ class Ventanas : public QObject {
         app::ScreenView* view = w->View();
         for (int k = 0; k < 3; ++k) {
             if (k) Click(view->DataNavigator()->Next());
-            Click(view->Button("Command2"));
+            Click(view->Button(profile::button::Section));
         }
-        Type(view, "Text98", "1.2");
-        Click(view->Button("Command1"));
+        Type(view, profile::box::StartDepth, "1.2");
+        Click(view->Button(profile::button::Profiles));
         QTableWidget* table = w->Tabs()->Table();
         QCOMPARE(table->rowCount(), 3);
         QCOMPARE(table->item(2, 3)->text(), QStringLiteral("101.140"));
