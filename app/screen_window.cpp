@@ -17,6 +17,7 @@
 #include "app/dialogs.hpp"
 #include "app/profile_chart.hpp"
 #include "app/screen_view.hpp"
+#include "app/standard_profile.hpp"
 #include "app/survey_dialog.hpp"
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
@@ -40,9 +41,11 @@ ScreenWindow::ScreenWindow(std::unique_ptr<forms::Screen> model, Desktop& deskto
     view_ = new ScreenView(*model_, prompter_, this);
     chart_ = new ProfileChart(this);
     chart_->hide();
+    profile_tabs_ = new ProfileTabs(chart_, this);
+    profile_tabs_->hide();
     splitter_ = new QSplitter(Qt::Horizontal, this);
     splitter_->addWidget(view_);
-    splitter_->addWidget(chart_);
+    splitter_->addWidget(profile_tabs_);
     splitter_->setStretchFactor(0, 3);
     splitter_->setStretchFactor(1, 2);
     splitter_->setChildrenCollapsible(false);
@@ -274,11 +277,13 @@ void ScreenWindow::Update() {
     const auto points = ProfileOf(*model_);
     if (!points.empty()) {
         chart_->Show(points);
+        profile_tabs_->Refresh(*model_);
         if (chart_->isHidden()) {
             // The plot goes beside the screen, which keeps its size when the screen has room; the
             // window never grows past the available area, and then the two share it.
             const int screen_width = view_->width();
             chart_->show();
+            profile_tabs_->show();
             if (!isMaximized() && !isFullScreen()) resize(width() + screen_width * 3 / 5, height());
             FitTo(Available());
             const int total = splitter_->width();
@@ -286,6 +291,7 @@ void ScreenWindow::Update() {
         }
     } else if (!chart_->isHidden()) {
         chart_->hide();
+        profile_tabs_->hide();
     }
     chart_->SetStale(!chart_owner_.isEmpty() && view_->StaleFrom(chart_owner_.toStdString()));
     QString status;

@@ -16,6 +16,7 @@ namespace cauce::app {
 
 class Desktop;
 class ProfileChart;
+class ProfileTabs;
 class Prompter;
 class ScreenView;
 
@@ -28,6 +29,7 @@ class ScreenWindow : public QMainWindow {
     forms::Screen& Model() const { return *model_; }
     ScreenView* View() const { return view_; }
     ProfileChart* Chart() const { return chart_; }
+    ProfileTabs* Tabs() const { return profile_tabs_; }
 
     // Binds Data1 to the workbook at path; false (and a message) when it cannot be opened.
     bool OpenWorkbook(const QString& path);
@@ -67,6 +69,7 @@ class ScreenWindow : public QMainWindow {
     Prompter& prompter_;
     ScreenView* view_ = nullptr;
     ProfileChart* chart_ = nullptr;
+    ProfileTabs* profile_tabs_ = nullptr;  // the plot and the standard-step table beside it
     QSplitter* splitter_ = nullptr;
     QLabel* status_ = nullptr;
     QString chart_owner_;  // the button whose click drew the plot

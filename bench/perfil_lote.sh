@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Batch profile: "cauce perfil" over 200 copies of the bundled example reach (Rios.xlsx, sheet Persecc,
-# 12 sections) in one call, and the time per reach. Each reach is opened, its twelve sections computed
+# 12 sections) in one call, and the time per reach; the last run adds the standard-step profile beside the
+# screen's (--metodo ambos), which should cost at most three times the screen's run. Each reach is opened, its twelve sections computed
 # with "(Y?)", its profile run with "Perfiles", and its table printed as CSV.
 #
 #   bash bench/perfil_lote.sh [CAUCE] [COPIAS]     (CAUCE defaults to build/cli/cauce, COPIAS to 200)
@@ -32,3 +33,4 @@ run() {  # label, extra options
 
 run "con --hoja Persecc" --hoja Persecc
 run "sin --hoja (la busca)"
+run "--metodo ambos" --hoja Persecc --metodo ambos

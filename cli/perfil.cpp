@@ -8,6 +8,7 @@
 #include "cli/command.hpp"
 #include "cli/progress.hpp"
 #include "cli/reach.hpp"
+#include "cli/standard_output.hpp"
 #include "cli/text_table.hpp"
 
 namespace cauce::cli {
@@ -18,6 +19,12 @@ struct Options {
     std::vector<std::string> books;
     std::string sheet, y_initial, y_final, format = "texto";
     bool save = false;
+    std::string method = "legado", contraction, expansion, y_upstream;
+};
+
+// Which profiles are printed: the screen's own, the standard step, or both side by side.
+struct Methods {
+    bool legacy = true, standard = false;
 };
 
 nlohmann::ordered_json NumberOrNull(const std::string& text) {
@@ -59,7 +66,7 @@ std::map<int, Joined> JoinBySection(const ReachResult& r) {
     return rows;
 }
 
-void PrintText(std::ostream& out, const ReachResult& r) {
+void PrintText(std::ostream& out, const ReachResult& r, const Methods& m) {
     out << "Libro: " << r.path << "\n";
     if (r.kind) out << "Hoja: " << r.kind->sheet << " (" << r.kind->form << ", " << r.kind->title << ")\n";
     if (!r.depth.empty() && r.kind) out << r.kind->depth_name << ": " << r.depth << " m\n";
@@ -71,7 +78,7 @@ void PrintText(std::ostream& out, const ReachResult& r) {
                    Overflow(s, "sí"), SectionNotice(s)});
         t.Print(out);
     }
-    if (!r.profile.empty()) {
+    if (!r.profile.empty() && m.legacy) {
         out << "\nPerfil de la superficie del agua (\"Perfiles\", " << r.n_sections << " secciones)\n";
         std::vector<std::string> head{"Sección", "Abscisa m", "Tipo", "Z agua m", "V media m/s"};
         if (r.scour) head.push_back("Ysoc m");
@@ -83,6 +90,7 @@ void PrintText(std::ostream& out, const ReachResult& r) {
         }
         t.Print(out);
     }
+    if (m.standard) PrintStandardText(out, r, m.legacy);
     for (const auto& n : r.notices) out << "Aviso: " << n << "\n";
     if (r.saved)
         out << "Tabla guardada en " << r.file << (r.save_note.empty() ? "" : " (" + r.save_note + ")")
@@ -96,7 +104,13 @@ const char* kCsvHeader =
     "ysoc_m,"
     "aviso\n";
 
-void PrintCsv(std::ostream& out, const ReachResult& r) {
+std::string CsvHeader(bool standard) {
+    std::string head = kCsvHeader;
+    if (standard) head.insert(head.size() - 1, std::string(",") + kStandardCsvColumns);
+    return head;
+}
+
+void PrintCsv(std::ostream& out, const ReachResult& r, const Methods& m) {
     if (!r.kind) return;
     for (const auto& [number, j] : JoinBySection(r)) {
         std::vector<std::string> f{r.path, r.kind->sheet, r.kind->form};
@@ -107,12 +121,13 @@ void PrintCsv(std::ostream& out, const ReachResult& r) {
         } else {
             f.insert(f.end(), {"", std::to_string(number), "", "", "", ""});
         }
-        if (j.row) {
+        if (j.row && m.legacy) {
             f.insert(f.end(), {j.row->chainage, j.row->type, j.row->zw, j.row->v, j.row->ysoc});
         } else {
             f.insert(f.end(), {"", "", "", "", ""});
         }
         f.push_back(j.section ? SectionNotice(*j.section) : "");
+        if (m.standard) AppendStandardCsv(f, r, number);
         std::string line;
         for (const auto& field : f) {
             if (!line.empty()) line += ',';
@@ -122,7 +137,7 @@ void PrintCsv(std::ostream& out, const ReachResult& r) {
     }
 }
 
-nlohmann::ordered_json ToJson(const ReachResult& r) {
+nlohmann::ordered_json ToJson(const ReachResult& r, const Methods& m) {
     nlohmann::ordered_json j;
     j["libro"] = r.path;
     j["archivo"] = TextOrNull(r.file);
@@ -145,24 +160,41 @@ nlohmann::ordered_json ToJson(const ReachResult& r) {
     j["secciones"] = sections;
     auto profile = nlohmann::ordered_json::array();
     for (const auto& p : r.profile) {
-        nlohmann::ordered_json row{{"seccion", p.section},
-                                   {"abscisa", NumberOrNull(p.chainage)},
-                                   {"tipo", TextOrNull(p.type)},
-                                   {"z_agua", NumberOrNull(p.zw)},
+        if (!m.legacy) break;
+        nlohmann::ordered_json row{{"seccion", p.section},       {"abscisa", NumberOrNull(p.chainage)},
+                                   {"tipo", TextOrNull(p.type)}, {"z_agua", NumberOrNull(p.zw)},
                                    {"v_media", NumberOrNull(p.v)}};
         if (r.scour) row["ysoc"] = NumberOrNull(p.ysoc);
         profile.push_back(row);
     }
+    if (m.standard) AddStandardJson(profile, j, r);
     j["perfil"] = profile;
     j["avisos"] = r.notices;
+    if (m.standard) AddStandardNotes(j["avisos"], r);
     j["guardado"] = r.saved;
     if (r.saved) j["nota_guardado"] = TextOrNull(r.save_note);
     j["error"] = TextOrNull(r.error);
     return j;
 }
 
+Methods ParseMethods(const Options& o) {
+    Methods m;
+    if (o.method == "estandar" || o.method == "estándar") {
+        m = {false, true};
+    } else if (o.method == "ambos") {
+        m = {true, true};
+    } else if (o.method != "legado") {
+        throw UsageError("--metodo: \"" + o.method + "\" no es legado, estandar ni ambos");
+    }
+    if (!m.standard && (!o.contraction.empty() || !o.expansion.empty() || !o.y_upstream.empty()))
+        throw UsageError("--contraccion, --expansion y --y-aguas-arriba son del perfil por paso estándar: "
+                         "use --metodo estandar o ambos");
+    return m;
+}
+
 int Run(const Options& o) {
     const Format format = ParseFormat(o.format, true);
+    const Methods methods = ParseMethods(o);
     if (o.y_initial.empty() && o.y_final.empty())
         throw UsageError(
             "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
@@ -173,34 +205,43 @@ int Run(const Options& o) {
         throw UsageError("--hoja: \"" + o.sheet + "\" no es una hoja de perfiles (use " + KindList() + ")");
 
     ReachOptions ro{o.sheet, o.y_initial, o.y_final, o.save};
+    standard_step::Options so;
+    if (!o.contraction.empty()) so.contraction = NumberOption("--contraccion", o.contraction, Sign::NonNegative);
+    if (!o.expansion.empty()) so.expansion = NumberOption("--expansion", o.expansion, Sign::NonNegative);
+    std::optional<double> y_up;
+    if (!o.y_upstream.empty()) y_up = NumberOption("--y-aguas-arriba", o.y_upstream, Sign::Positive);
     Progress progress("perfil", static_cast<int>(o.books.size()));
     auto json = nlohmann::ordered_json::array();
     bool failed = false;
-    if (format == Format::Csv) std::cout << kCsvHeader;
+    if (format == Format::Csv) std::cout << CsvHeader(methods.standard);
     for (std::size_t b = 0; b < o.books.size(); ++b) {
         progress.Step(static_cast<int>(b) + 1, o.books[b]);
-        const ReachResult r = RunReach(o.books[b], ro);
-        bool bad = !r.Ok();
+        ReachResult standard;  // the standard step's part, computed after "Perfiles"
+        SectionObserver observer;
+        if (methods.standard)
+            observer = [&](const forms::Screen& screen, const SectionResult* section) {
+                if (!section) AddStandard(screen, ro, so, y_up, standard);
+            };
+        ReachResult r = RunReach(o.books[b], ro, observer);
+        r.standard = std::move(standard.standard);
+        r.legacy_warnings = std::move(standard.legacy_warnings);
+        bool bad = !r.Ok() || (r.standard && !r.standard->Ok());
         for (const auto& s : r.sections) bad = bad || Faulty(s);
         failed = failed || bad;
         if (!r.Ok() || bad) {
             progress.Clear();
             if (!r.Ok()) std::cerr << "cauce perfil: " << o.books[b] << ": " << r.error << "\n";
+            if (r.standard && !r.standard->Ok())
+                std::cerr << "cauce perfil: " << o.books[b] << ": paso estándar: " << r.standard->error << "\n";
             for (const auto& s : r.sections)
                 if (Faulty(s))
                     std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección "
                               << s.section << "): " << SectionNotice(s) << "\n";
         }
         switch (format) {
-            case Format::Text:
-                PrintText(std::cout, r);
-                break;
-            case Format::Csv:
-                PrintCsv(std::cout, r);
-                break;
-            case Format::Json:
-                json.push_back(ToJson(r));
-                break;
+            case Format::Text: PrintText(std::cout, r, methods); break;
+            case Format::Csv: PrintCsv(std::cout, r, methods); break;
+            case Format::Json: json.push_back(ToJson(r, methods)); break;
         }
         std::cout.flush();
     }
@@ -223,12 +264,21 @@ Command AddPerfil(CLI::App& parent) {
                     "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
                     "sin ella, la primera de ellas que tenga el libro")
         ->type_name("NOMBRE");
-    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")
+    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");
+    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")->type_name("Y");
+    app->add_flag("--guardar", o.save, "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
+    app->add_option("--metodo", o.method,
+                    "Perfil: legado (el de la pantalla, por omisión), estandar (paso estándar en régimen mixto) "
+                    "o ambos")
+        ->type_name("METODO");
+    app->add_option("--contraccion", o.contraction, "Coeficiente de pérdida por contracción del paso estándar (0.1)")
+        ->type_name("C");
+    app->add_option("--expansion", o.expansion, "Coeficiente de pérdida por expansión del paso estándar (0.3)")
+        ->type_name("E");
+    app->add_option("--y-aguas-arriba", o.y_upstream,
+                    "Tirante supercrítico en la primera sección (m) para el paso estándar; sin él, el crítico si "
+                    "el flujo entra en pendiente fuerte")
         ->type_name("Y");
-    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")
-        ->type_name("Y");
-    app->add_flag("--guardar", o.save,
-                  "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
     app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
     app->footer(
         "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al "
@@ -242,7 +292,8 @@ Command AddPerfil(CLI::App& parent) {
         "  cauce perfil Rios.xlsx --y-inicial 1.8\n"
         "  cauce perfil Rios.xlsx --hoja Percanal --y-inicial 1.2 --formato csv > perfil.csv\n"
         "  cauce perfil Ormandi.xlsx --y-final 2.5 --formato json\n"
-        "  cauce perfil tramo-*.xlsx --y-inicial 1.8 --guardar");
+        "  cauce perfil tramo-*.xlsx --y-inicial 1.8 --guardar\n"
+        "  cauce perfil Rios.xlsx --y-inicial 2.2 --metodo ambos");
     return {app, [] { return Guarded("perfil", [] { return Run(o); }); }};
 }
 

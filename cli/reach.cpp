@@ -7,11 +7,13 @@
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
+#include "hydraulics/standard_step/warnings.hpp"
 #include "screens/form3.hpp"
 #include "screens/natural_screen.hpp"
 #include "screens/profile_screen.hpp"
 #include "screens/reach_run.hpp"
 #include "screens/registry.hpp"
+#include "screens/standard_reach.hpp"
 
 #ifdef CAUCE_WITH_WORKBOOK
 #include "workbook/data_folder.hpp"
@@ -170,6 +172,24 @@ std::string DefaultSheet(const std::string& path, std::string& why) {
     why = "Esta versión se compiló sin libros de Excel.";
 #endif
     return "";
+}
+
+// The standard-step profile of the reach the screen holds, and the warnings about its own profile.
+void AddStandard(const forms::Screen& screen, const ReachOptions& reach_options,
+                 const standard_step::Options& options, std::optional<double> y_upstream, ReachResult& res) {
+    res.legacy_warnings = standard_step::LegacyWarnings(screens::LegacyRunOf(screen));
+    const ReachKind* kind = KindOfSheet(screen.Sheet());
+    const std::string& depth = kind && kind->scour ? reach_options.y_final : reach_options.y_initial;
+    screens::StandardReach reach = screens::StandardReachOf(screen, forms::Val(depth));
+    if (!reach.error.empty()) {
+        standard_step::Result failed;
+        failed.error = reach.error;
+        res.standard = failed;
+        return;
+    }
+    reach.input.options = options;
+    reach.input.upstream_depth = y_upstream;
+    res.standard = standard_step::Solve(reach.input);
 }
 
 ReachResult RunReach(const std::string& path, const ReachOptions& options, const SectionObserver& observer) {

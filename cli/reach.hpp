@@ -6,12 +6,14 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "forms/screen.hpp"
+#include "hydraulics/standard_step/reach.hpp"
 
 namespace cauce::cli {
 
@@ -73,6 +75,10 @@ struct ReachResult {
     std::vector<std::string> notices;     // records left out, and why
     std::vector<ProfileRow> profile;      // empty when the profile was not run
     bool scour = false;                   // the profile has scour values
+    // The standard-step profile beside it and the warnings about the screen's own profile, when the
+    // caller asked for them (AddStandard).
+    std::optional<standard_step::Result> standard;
+    std::vector<std::string> legacy_warnings;
     bool saved = false;
     std::string save_note;
     std::string error;  // why the reach could not be completed ("" when it was)
@@ -94,6 +100,12 @@ using SectionObserver = std::function<void(const forms::Screen& screen, const Se
 // Runs the reach of one workbook. Never throws for bad data or a workbook that cannot be read: the
 // result's error says what stopped it. Needs the workbook opener installed (InstallWorkbooks).
 ReachResult RunReach(const std::string& path, const ReachOptions& options, const SectionObserver& observer = {});
+
+// After "Perfiles" (the observer's call with no section): the standard-step profile of the reach the
+// screen holds, for the depth the options give its screen, and the warnings about the screen's own
+// profile, into res.
+void AddStandard(const forms::Screen& screen, const ReachOptions& reach, const standard_step::Options& options,
+                 std::optional<double> y_upstream, ReachResult& res);
 
 // The profile sheet a workbook holds first (Persecc, Percanal, "secciones "), or "" with a reason.
 std::string DefaultSheet(const std::string& path, std::string& why);

@@ -14,10 +14,12 @@
 
 #include "app/profile_chart.hpp"
 #include "app/section_sketch.hpp"
+#include "app/standard_profile.hpp"
 #include "cli/args.hpp"
 #include "cli/graphics.hpp"
 #include "cli/offscreen.hpp"
 #include "cli/progress.hpp"
+#include "cli/report_standard.hpp"
 
 namespace cauce::cli {
 
@@ -169,7 +171,24 @@ private:
 struct Captured {
     std::vector<std::optional<app::SectionSketch>> sketches;  // one per computed section, in order
     std::vector<app::ProfilePoint> profile;
+    std::optional<standard_step::Result> standard;  // drawn beside the screen's profile
 };
+
+// The standard step's table and the warnings (cli/report_standard.cpp).
+void StandardSection(Pages& pages, const ReportPart& part) {
+    pages.Heading(Q(part.heading));
+    pages.Text(Q(part.intro), 8.5);
+    pages.Skip(2);
+    auto texts = [](const std::vector<std::string>& cells) {
+        std::vector<QString> out;
+        for (const auto& c : cells) out.push_back(Q(c));
+        return out;
+    };
+    std::vector<std::vector<QString>> rows;
+    for (const auto& r : part.rows) rows.push_back(texts(r));
+    if (!part.head.empty()) pages.Table(texts(part.head), rows, part.weights);
+    for (const auto& b : part.bullets) pages.Text(QStringLiteral("• ") + Q(b), 8.5);
+}
 
 void InputSection(Pages& pages, const ReachResult& r) {
     pages.Heading(QStringLiteral("1. Datos de entrada"));
@@ -252,6 +271,7 @@ void PlotSection(Pages& pages, QPainter& p, const Captured& c) {
     chart.resize(900, 460);
     chart.show();
     chart.Show(c.profile);
+    if (c.standard) app::AddStandardLines(chart.chart(), *c.standard);
     QCoreApplication::processEvents();
     const QRectF box = pages.Block(pages.Width() * 460 / 900);
     p.save();
@@ -352,6 +372,7 @@ std::string Compose(const QString& file, const ReachResult& r, const Captured& c
     InputSection(pages, r);
     ResultSection(pages, r);
     ProfileSection(pages, r);
+    if (const auto part = StandardReportPart(r)) StandardSection(pages, *part);
     if (!r.notices.empty()) {
         pages.Heading(QStringLiteral("Avisos"));
         for (const auto& n : r.notices) pages.Text(QStringLiteral("• ") + Q(n), 8.5);
@@ -369,13 +390,18 @@ int WriteReport(const std::string& book, const ReachOptions& options, const std:
     Progress progress("informe", 3);
     progress.Step(1, "cálculo del tramo");
     Captured captured;
-    const ReachResult r = RunReach(book, options, [&](const forms::Screen& screen, const SectionResult* section) {
+    ReachResult standard;
+    ReachResult r = RunReach(book, options, [&](const forms::Screen& screen, const SectionResult* section) {
         if (section) {
             captured.sketches.push_back(app::SketchOf(screen));
         } else {
             captured.profile = app::ProfileOf(screen);
+            AddStandard(screen, options, {}, std::nullopt, standard);
         }
     });
+    r.standard = standard.standard;
+    r.legacy_warnings = standard.legacy_warnings;
+    captured.standard = r.standard;
     if (!r.Ok()) {
         progress.Clear();
         std::cerr << "cauce informe: " << book << ": " << r.error << "\n";

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QToolButton>
 #include <QtTest>
 
@@ -13,6 +14,7 @@
 #include "app/profile_chart.hpp"
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
+#include "app/standard_profile.hpp"
 #include "forms/format.hpp"
 #include "forms/val.hpp"
 #include "screens/form1.hpp"
@@ -265,6 +267,32 @@ class Ventanas : public QObject {
         QCOMPARE(w->Chart()->TypeLabels(), labels);
         // The 3 m rectangle at 6 m3/s: critical depth (2^2 / 9.81)^(1/3) = 0.742 m above the bed.
         QVERIFY(std::abs(points[2].critical - points[2].bed - 0.742) < 0.005);
+        desktop.Exit();
+    }
+
+    // The standard-step profile beside the screen's: its lines on the plot and its table in the tab
+    // beside it, from the depth typed at the last section (the bed there is 99.94 m).
+    void standardProfileBesideTheScreens() {
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        app::ScreenView* view = w->View();
+        for (int k = 0; k < 3; ++k) {
+            if (k) Click(view->DataNavigator()->Next());
+            Click(view->Button(profile::button::Section));
+        }
+        Type(view, profile::box::StartDepth, "1.2");
+        Click(view->Button(profile::button::Profiles));
+        QTableWidget* table = w->Tabs()->Table();
+        QCOMPARE(table->rowCount(), 3);
+        QCOMPARE(table->item(2, 3)->text(), QStringLiteral("101.140"));
+        QCOMPARE(table->item(2, 11)->text(), QStringLiteral("0.00"));
+        for (int row = 0; row < 3; ++row) QCOMPARE(table->item(row, 8)->text(), QStringLiteral("subcrítico"));
+        QStringList names;
+        for (QAbstractSeries* s : w->Chart()->chart()->series()) names << s->name();
+        QVERIFY(names.contains(QStringLiteral("Agua, paso estándar")));
+        QVERIFY(names.contains(QStringLiteral("Energía, paso estándar")));
+        QVERIFY(!names.contains(QStringLiteral("Resalto")));
         desktop.Exit();
     }
 

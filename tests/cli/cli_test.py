@@ -123,6 +123,81 @@ def manning_depth(q, b, z, n, s):
     return lo
 
 
+class PasoEstandarTest(Scratch):
+    """cauce perfil --metodo: the standard-step profile and the warnings beside the screen's profile."""
+
+    def both(self, *args):
+        return json.loads(self.ok("perfil", *args, "--metodo", "ambos", "--formato", "json"))[0]
+
+    def standard(self, reach):
+        return {p["seccion"]: p["estandar"] for p in reach["perfil"]}
+
+    def test_bundled_reaches_show_the_jump_regimes_and_warnings(self):
+        # Persecc from 2.2 m: a steep reach between sections 4 and 8 that the screen steps as S1/S2,
+        # the jump between sections 7 and 8, and the screen's levels high on sections 1 to 7.
+        reach = self.both("Rios.xlsx", "--y-inicial", "2.2")
+        est = self.standard(reach)
+        self.assertEqual(sorted(est), list(range(1, 13)))
+        for e in est.values():
+            self.assertEqual(set(e) - {"ysoc"}, {"y", "z_agua", "z_energia", "v", "froude", "sf", "regimen", "yc",
+                                                 "diferencia"})
+            self.assertAlmostEqual(e["z_agua"] - e["y"], e["z_energia"] - e["y"] - (e["z_energia"] - e["z_agua"]))
+        self.assertEqual([est[k]["regimen"] for k in (5, 6, 7)], ["supercrítico"] * 3)
+        self.assertEqual(est[12]["y"], 2.2)
+        self.assertTrue(580 < reach["resalto"]["abscisa"] < 660)
+        self.assertLess(reach["resalto"]["y1"], reach["resalto"]["y2"])
+        for k in (1, 2, 3, 5, 6, 7):
+            self.assertLessEqual(est[k]["diferencia"], -0.1, "sección %d" % k)
+        avisos = "\n".join(reach["avisos"])
+        for expected in ('"Abscisa9"', "Sección 6 (S2)", "Sección 3 (M2)", "Sección 10: el perfil por pasos fijos "
+                         "evaluó la sección por encima de su nivel más alto"):
+            self.assertIn(expected, avisos)
+        # Percanal from 1.2 m: supercritical at 0.85 m at section 4, where the screen puts 0.99 m.
+        reach = self.both("Rios.xlsx", "--hoja", "Percanal", "--y-inicial", "1.2")
+        est = self.standard(reach)
+        self.assertEqual(est[4]["regimen"], "supercrítico")
+        self.assertAlmostEqual(est[4]["y"], 0.85, delta=0.005)
+        self.assertIn("Sección 4 (S2)", "\n".join(reach["avisos"]))
+        # Ormandi (scour screen): every section subcritical, scour at the standard-step depth too.
+        reach = self.both("Ormandi.xlsx", "--y-final", "2.5")
+        est = self.standard(reach)
+        self.assertIsNone(reach["resalto"])
+        self.assertTrue(all(e["regimen"] == "subcrítico" and "ysoc" in e for e in est.values()))
+        self.assertIn("Sección 3 (M2)", "\n".join(reach["avisos"]))
+
+    def test_the_screens_profile_alone_is_unchanged_and_options_tell_their_mistakes(self):
+        default = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8")
+        self.assertEqual(self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--metodo", "legado"), default)
+        for fmt in ("csv", "json"):
+            plain = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--formato", fmt)
+            self.assertNotIn("estandar", plain)
+        only = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--metodo", "estandar", "--formato", "csv")
+        rows = list(csv.DictReader(io.StringIO(only)))
+        self.assertTrue(all(r["z_agua_m"] == "" and r["z_agua_estandar_m"] for r in rows))
+        # No eddy losses: other levels; a supercritical start upstream is taken where it is supercritical.
+        lossless = self.both("Rios.xlsx", "--y-inicial", "2.2", "--contraccion", "0", "--expansion", "0")
+        self.assertNotEqual(self.standard(lossless)[3]["y"], self.standard(self.both("Rios.xlsx", "--y-inicial", "2.2"))[3]["y"])
+        for args, word in ((["--metodo", "otro"], "--metodo"), (["--contraccion", "-1", "--metodo", "ambos"], "--contraccion"),
+                           (["--expansion", "0.5"], "--metodo estandar o ambos"), (["--metodo", "ambos", "--y-aguas-arriba", "0"], "--y-aguas-arriba")):
+            r = self.run_cauce("perfil", "Rios.xlsx", "--y-inicial", "2.2", *args)
+            self.assertEqual(r.returncode, 2, args)
+            self.assertIn(word, r.stderr)
+
+    def test_bad_chainages_are_told_by_section_without_a_table(self):
+        wb = openpyxl.load_workbook(self.path("Rios.xlsx"))
+        ws = wb["Persecc"]
+        column = [c.value for c in ws[1]].index("Abscisa3") + 1
+        ws.cell(row=13, column=column, value=50)  # the record of section 12 holds the chainages
+        wb.save(self.path("abscisas.xlsx"))
+        r = self.run_cauce("perfil", "abscisas.xlsx", "--y-inicial", "2.2", "--metodo", "ambos", "--formato", "json")
+        self.assertEqual(r.returncode, 1)
+        self.assertIn("La sección 3 (abscisa 50.00 m) no está aguas abajo de la sección 2", r.stderr)
+        reach = json.loads(r.stdout)[0]
+        self.assertIn("no está aguas abajo", reach["error_estandar"])
+        self.assertTrue(all("estandar" not in p for p in reach["perfil"]))
+        self.assertEqual(len(reach["perfil"]), 12)  # the screen's own table is still there
+
+
 class PerfilTest(Scratch):
     """cauce perfil prints the numbers the screens show for the bundled workbooks."""
 

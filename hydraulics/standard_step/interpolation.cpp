@@ -1,0 +1,61 @@
+// Sections between two surveyed ones: each level placed at the same relative depth in both.
+#include <algorithm>
+#include <cmath>
+
+#include "hydraulics/standard_step/section.hpp"
+
+namespace cauce::standard_step {
+
+void BuildTables(Section& s);  // geometry.cpp
+
+namespace {
+
+// Width of section s at the relative depth r (0 at the bed, 1 at the top level).
+double WidthAt(const Section& s, double r) {
+    const double y = r * s.top();
+    std::size_t j = 1;
+    while (j < s.y.size() - 1 && y > s.y[j]) ++j;
+    const double f = (y - s.y[j - 1]) / (s.y[j] - s.y[j - 1]);
+    return s.t[j - 1] + f * (s.t[j] - s.t[j - 1]);
+}
+
+double Lerp(double a, double b, double f) {
+    return a + f * (b - a);
+}
+
+}  // namespace
+
+/* The section a fraction of the way between two surveyed sections.
+   Input:  a (upstream), b (downstream), f in [0, 1].
+   Output: a section whose levels are the union of both sections' levels taken at equal relative
+           depth, with widths, top depth, bed, roughness, discharge, slope and flood zone
+           interpolated linearly.
+   Purpose: the short steps of the standard-step march between surveyed sections. */
+Section Interpolate(const Section& a, const Section& b, double f) {
+    std::vector<double> rel;
+    for (double y : a.y) rel.push_back(y / a.top());
+    for (double y : b.y) rel.push_back(y / b.top());
+    std::sort(rel.begin(), rel.end());
+    rel.erase(std::unique(rel.begin(), rel.end(), [](double p, double q) { return q - p < 1e-12; }),
+              rel.end());
+    rel.front() = 0.0;
+    rel.back() = 1.0;
+
+    Section s;
+    s.x = Lerp(a.x, b.x, f);
+    s.z_bed = Lerp(a.z_bed, b.z_bed, f);
+    const double top = Lerp(a.top(), b.top(), f);
+    for (double r : rel) {
+        s.y.push_back(r * top);
+        s.t.push_back(Lerp(WidthAt(a, r), WidthAt(b, r), f));
+    }
+    s.n = Lerp(a.n, b.n, f);
+    s.q = Lerp(a.q, b.q, f);
+    s.slope = Lerp(a.slope, b.slope, f);
+    s.flood_width = Lerp(a.flood_width, b.flood_width, f);
+    s.flood_n = Lerp(a.flood_n, b.flood_n, f);
+    BuildTables(s);
+    return s;
+}
+
+}  // namespace cauce::standard_step
