@@ -1,0 +1,51 @@
+// Locks beside a workbook.
+//
+// The edit lock is the one spreadsheet programs write while they hold a file for editing:
+// ".~lock.<file name>#" in the same folder, one line of comma-separated fields (the user's full name,
+// the system user, the host, the date as dd.mm.yyyy hh:mm, the user's profile as a file: address)
+// ending in ";". Cauce writes its own the same way, naming its data folder and its process in the
+// profile field, so that it can tell its own locks (and those left by a Cauce that ended abruptly)
+// from the locks of other programs.
+//
+// The save lock serialises the saves of several Cauce processes on one workbook: it lives only
+// while a save reads, merges and replaces the file.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace cauce::workbook {
+
+struct LockOwner {
+    std::string name, user, host, date, profile;
+    bool operator==(const LockOwner&) const = default;
+};
+
+std::filesystem::path EditLockPath(const std::filesystem::path& workbook);
+// The fields of a lock file's text; nothing when it is not one. A comma inside a field is escaped
+// with a backslash, as spreadsheet programs write it.
+std::optional<LockOwner> ParseLock(std::string_view text);
+std::string FormatLock(const LockOwner& owner);
+// "Ana Pérez (ana en el equipo obra-3, desde el 24.11.2026 02:22)".
+std::string Describe(const LockOwner& owner);
+
+// Holds the save lock of a workbook while it lives. Waits for another Cauce's save to end (a lock
+// older than a save could take is one left by a Cauce that ended abruptly, and is taken over);
+// throws Fault naming the file when the folder does not let it be made or the wait runs out.
+class SaveLock {
+  public:
+    explicit SaveLock(const std::filesystem::path& workbook,
+                      std::chrono::milliseconds wait = std::chrono::seconds(20));
+    ~SaveLock();
+    SaveLock(const SaveLock&) = delete;
+    SaveLock& operator=(const SaveLock&) = delete;
+
+  private:
+    std::filesystem::path path_;
+    bool held_ = false;
+};
+
+}  // namespace cauce::workbook
