@@ -1,14 +1,10 @@
 #include "cli/args.hpp"
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
 #include <charconv>
-#include <cstdio>
 #include <cmath>
+#include <cstdio>
+
+#include "platform/platform.hpp"
 
 namespace cauce::cli {
 
@@ -18,7 +14,8 @@ std::optional<double> ParseNumber(std::string_view text) {
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
     if (text.empty()) return std::nullopt;
     double v = 0;
-    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), v, std::chars_format::general);
+    const auto [end, ec] =
+        std::from_chars(text.data(), text.data() + text.size(), v, std::chars_format::general);
     if (ec != std::errc() || end != text.data() + text.size() || !std::isfinite(v)) return std::nullopt;
     return v;
 }
@@ -31,8 +28,10 @@ double NumberOption(std::string_view option, const std::string& text, Sign sign)
         if (text.find(',') != std::string::npos) why += " (el separador decimal es el punto: 2.5, no 2,5)";
         throw UsageError(why);
     }
-    if (sign == Sign::Positive && !(*v > 0)) throw UsageError(name + ": el valor debe ser mayor que cero (se dio " + text + ")");
-    if (sign == Sign::NonNegative && *v < 0) throw UsageError(name + ": el valor no puede ser negativo (se dio " + text + ")");
+    if (sign == Sign::Positive && !(*v > 0))
+        throw UsageError(name + ": el valor debe ser mayor que cero (se dio " + text + ")");
+    if (sign == Sign::NonNegative && *v < 0)
+        throw UsageError(name + ": el valor no puede ser negativo (se dio " + text + ")");
     return *v;
 }
 
@@ -67,11 +66,7 @@ std::string CsvField(std::string_view text) {
 }
 
 bool ErrorIsTerminal() {
-#ifdef _WIN32
-    return _isatty(_fileno(stderr)) != 0;
-#else
-    return ::isatty(STDERR_FILENO) == 1;
-#endif
+    return platform::StandardErrorIsTerminal();
 }
 
 }  // namespace cauce::cli

@@ -6,10 +6,21 @@
 #include "cli/commands.hpp"
 #include "forms/guion.hpp"
 #include "screens/registry.hpp"
+#ifdef CAUCE_HAS_WORKBOOK
+#include "platform/platform.hpp"
+#include "workbook/legacy.hpp"
+#endif
 
 int main(int argc, char** argv) {
     using namespace cauce;
     if (argc == 1) return cli::RunDesktop(argc, argv);
+#ifdef CAUCE_HAS_WORKBOOK
+    // The legacy .xls reader's child process (workbook/legacy.hpp), not a command for users.
+    if (argc == 3 && std::string_view(argv[1]) == workbook::kLegacyReaderCommand) {
+        platform::BinaryStandardOutput();
+        return workbook::RunLegacyReader(argv[2], std::cout);
+    }
+#endif
 
     CLI::App app{"Cauce: hidráulica de canales y cauces naturales en flujo permanente.", "cauce"};
     app.set_help_flag("-h,--help", "Muestra esta ayuda y termina");
@@ -17,7 +28,8 @@ int main(int argc, char** argv) {
     app.footer("Sin argumentos, cauce abre la aplicación de escritorio.");
 
     std::string script = "-";
-    auto* guion = app.add_subcommand("guion", "Ejecuta una pantalla desde un guion y muestra sus controles en JSON");
+    auto* guion =
+        app.add_subcommand("guion", "Ejecuta una pantalla desde un guion y muestra sus controles en JSON");
     guion->add_option("ARCHIVO", script, "Guion a ejecutar (\"-\" o nada: la entrada estándar)");
     guion->footer(
         "Órdenes, una por línea:\n"

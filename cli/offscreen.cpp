@@ -4,11 +4,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
-#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
+
+#include "platform/platform.hpp"
 
 namespace cauce::cli {
 
@@ -17,7 +16,8 @@ namespace {
 // Qt's notes about the offscreen platform (no runtime folder, no window hints) mean nothing to the
 // user of a command; its critical messages still get through.
 void QuietMessages(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "cauce: Qt: %s\n", qPrintable(message));
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "cauce: Qt: %s\n", qPrintable(message));
 }
 
 }  // namespace
@@ -46,18 +46,20 @@ std::string WriteAtomically(const std::string& path, const std::string& what,
     const QFileInfo info(target);
     if (info.exists() && info.isDir()) return "\"" + path + "\" es una carpeta, no un archivo";
     const QString folder = info.absolutePath();
-    if (!QFileInfo(folder).isDir()) return "no existe la carpeta \"" + folder.toStdString() + "\" para " + what;
-    const QString temporary =
-        folder + QStringLiteral("/.") + info.fileName() + QStringLiteral(".%1.tmp").arg(QCoreApplication::applicationPid());
+    if (!QFileInfo(folder).isDir())
+        return "no existe la carpeta \"" + folder.toStdString() + "\" para " + what;
+    const QString temporary = folder + QStringLiteral("/.") + info.fileName() +
+                              QStringLiteral(".%1.tmp").arg(QCoreApplication::applicationPid());
     const std::string why = write(temporary);
     if (!why.empty()) {
         QFile::remove(temporary);
         return why;
     }
-    if (std::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(target).constData()) != 0) {
-        const std::string reason = std::strerror(errno);
+    try {
+        platform::MoveOver(temporary.toStdU16String(), target.toStdU16String());
+    } catch (const platform::Error& e) {
         QFile::remove(temporary);
-        return "no se pudo escribir " + what + " en \"" + path + "\": " + reason;
+        return "no se pudo escribir " + what + " en \"" + path + "\": " + e.Reason();
     }
     return "";
 }

@@ -1,12 +1,6 @@
 // What the workbook fuzz targets check on every workbook they manage to open, and on every failure.
 #pragma once
 
-#include <pthread.h>
-#include <sanitizer/common_interface_defs.h>
-#include <signal.h>
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -20,6 +14,7 @@
 
 #include "fuzz/fuzz_support.hpp"
 #include "hydraulics/fault.hpp"
+#include "platform/platform.hpp"
 #include "workbook/records.hpp"
 #include "workbook/workbook.hpp"
 
@@ -47,16 +42,13 @@ class PrivateFolder {
 
   private:
     PrivateFolder() {
-        // A legacy .xls is read in a child process, which freexl may bring down: that is the
-        // program's business, not a finding. The child must not write libFuzzer's crash file.
-        pthread_atfork(nullptr, nullptr, [] {
-            __sanitizer_set_death_callback(nullptr);
-            for (int sig : {SIGABRT, SIGSEGV, SIGBUS, SIGILL, SIGFPE}) signal(sig, SIG_DFL);
-        });
-        const char* tmp = std::getenv("TMPDIR");
-        std::string templ = std::string(tmp && *tmp ? tmp : "/tmp") + "/cauce-fuzz-XXXXXX";
-        if (!::mkdtemp(templ.data())) Fail("mkdtemp " + templ);
-        dir_ = templ;
+        // A legacy .xls is read by cauce run as a child (CAUCE_PROGRAMA names the one to run): its
+        // crash is the program's business, answered by a message, and never this process's.
+        std::error_code ec;
+        dir_ = std::filesystem::temp_directory_path(ec) /
+               ("cauce-fuzz-" + std::to_string(platform::ProcessId()));
+        std::filesystem::remove_all(dir_, ec);
+        if (!std::filesystem::create_directories(dir_, ec)) Fail("cannot make " + dir_.string());
     }
     std::filesystem::path dir_;
 };

@@ -1,14 +1,10 @@
 #include "workbook/data_folder.hpp"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <cstdlib>
 
 #include "hydraulics/fault.hpp"
+#include "platform/platform.hpp"
 #include "workbook/bundled.hpp"
 #include "workbook/save_file.hpp"
 
@@ -55,37 +51,20 @@ fs::path EnsureFolder() {
 
 // Writes a bundled file under its name unless a file of that name appears meanwhile.
 bool CopyNew(const fs::path& target, const BundledFile& f) {
-    const int fd = ::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0644);
-    if (fd < 0) {
-        if (errno == EEXIST) return false;
-        raise("No se puede copiar el libro de ejemplo en \"" + target.string() +
-              "\": " + SystemReason(errno) + ".");
+    try {
+        return platform::CreateExclusive(target,
+                                         std::string_view(reinterpret_cast<const char*>(f.data), f.size));
+    } catch (const platform::Error& e) {
+        raise("No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + e.Reason() + ".");
     }
-    std::size_t done = 0;
-    while (done < f.size) {
-        const ssize_t n = ::write(fd, f.data + done, f.size - done);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) {
-            const int err = errno;
-            ::close(fd);
-            ::unlink(target.c_str());  // ours, and incomplete
-            raise("No se puede copiar el libro de ejemplo en \"" + target.string() +
-                  "\": " + SystemReason(err) + ".");
-        }
-        done += static_cast<std::size_t>(n);
-    }
-    ::fsync(fd);
-    ::close(fd);
-    return true;
 }
 
 }  // namespace
 
 fs::path DataFolder() {
-    if (const char* d = std::getenv("CAUCE_DATOS"); d && *d) return fs::absolute(d);
-    if (const char* x = std::getenv("XDG_DATA_HOME"); x && *x) return fs::path(x) / "cauce";
-    if (const char* h = std::getenv("HOME"); h && *h) return fs::path(h) / ".local" / "share" / "cauce";
-    return fs::absolute("cauce-datos");
+    if (const auto d = platform::EnvironmentVariable("CAUCE_DATOS"); d && !d->empty())
+        return fs::absolute(*d);
+    return platform::UserDataFolder();
 }
 
 std::vector<fs::path> InstallExamples() {

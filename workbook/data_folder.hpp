@@ -1,6 +1,7 @@
 // Where the user's workbooks live, and the names the legacy screens used for them.
 //
-// The data folder is $CAUCE_DATOS when set, otherwise cauce/ under $XDG_DATA_HOME or ~/.local/share.
+// The data folder is $CAUCE_DATOS when set, otherwise the folder this system keeps for the user's
+// data (platform::UserDataFolder: cauce/ under $XDG_DATA_HOME or ~/.local/share on Linux).
 // The fixed paths of the legacy screens ("C:\Programas\Datos\Rios.xls", "C:\Ormandi\Ormandi.xls",
 // "rios.xls", in any case) name a workbook of that folder: its .xlsx if there is one, else its .xls,
 // else the bundled example, copied there first.

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <system_error>
-#include <thread>
 #include <vector>
 
 #include "hydraulics/fault.hpp"
@@ -58,54 +57,25 @@ std::string Describe(const LockOwner& o) {
     return detail.empty() ? who : who + " (" + detail + ")";
 }
 
-namespace {
-
-// A save takes well under a second; a save lock older than this was left by a Cauce that ended.
-constexpr auto kStale = std::chrono::seconds(60);
-
-bool Stale(const fs::path& p) {
+SaveLock::SaveLock(const fs::path& workbook, std::chrono::milliseconds wait) {
     std::error_code ec;
-    const auto when = fs::last_write_time(p, ec);
-    return !ec && fs::file_time_type::clock::now() - when > kStale;
-}
-
-}  // namespace
-
-SaveLock::SaveLock(const fs::path& workbook, std::chrono::milliseconds wait)
-    : path_(workbook.parent_path() / ("." + workbook.filename().string() + ".cauce-guardando")) {
-    const auto until = std::chrono::steady_clock::now() + wait;
-    for (auto pause = std::chrono::milliseconds(1);;
-         pause = std::min(pause * 2, std::chrono::milliseconds(50))) {
-        // "x": created only when it is not there, in one step.
-        if (std::FILE* f = std::fopen(path_.c_str(), "wx")) {
-            std::fclose(f);
-            held_ = true;
-            return;
-        }
-        std::error_code ec;
-        if (!fs::exists(path_, ec)) {
-            if (!fs::is_directory(workbook.parent_path(), ec))
-                raise("No se pudo guardar el libro \"" + workbook.string() + "\": la carpeta \"" +
-                      workbook.parent_path().string() + "\" no existe. El libro no se modificó.");
-            // The folder refuses new files: the save itself says why.
-            return;
-        }
-        if (Stale(path_)) {
-            fs::remove(path_, ec);
-            continue;
-        }
-        if (std::chrono::steady_clock::now() >= until)
-            raise("No se pudo guardar el libro \"" + workbook.string() +
-                  "\": otro Cauce lo está guardando desde hace demasiado tiempo. El libro no se modificó; "
-                  "sus cambios quedan pendientes.");
-        std::this_thread::sleep_for(pause);
+    fs::path key = fs::weakly_canonical(workbook, ec);
+    if (ec) key = fs::absolute(workbook);
+    std::uint64_t hash = 14695981039346656037ull;  // FNV-1a of the path
+    for (const unsigned char c : key.string()) hash = (hash ^ c) * 1099511628211ull;
+    char name[40];
+    std::snprintf(name, sizeof name, "cauce-guardar-%016llx.lock", static_cast<unsigned long long>(hash));
+    const fs::path folder = fs::temp_directory_path(ec);
+    if (ec) return;
+    try {
+        lock_ = platform::FileLock::Acquire(folder / name, wait);
+    } catch (const platform::Error&) {
+        return;  // no lock to be had: the check of the file's identity still guards the save
     }
-}
-
-SaveLock::~SaveLock() {
-    if (!held_) return;
-    std::error_code ec;
-    fs::remove(path_, ec);
+    if (!lock_)
+        raise("No se pudo guardar el libro \"" + workbook.string() +
+              "\": otro Cauce lo está guardando desde hace demasiado tiempo. El libro no se modificó; sus "
+              "cambios quedan pendientes.");
 }
 
 }  // namespace cauce::workbook

@@ -7,8 +7,9 @@
 // profile field, so that it can tell its own locks (and those left by a Cauce that ended abruptly)
 // from the locks of other programs.
 //
-// The save lock serialises the saves of several Cauce processes on one workbook: it lives only
-// while a save reads, merges and replaces the file.
+// The save lock serialises the saves of several Cauce processes on one workbook: an advisory lock,
+// held while a save reads, merges and replaces the file, on a file of the system's temporary folder
+// named after the workbook's path (nothing is left beside the user's workbook).
 #pragma once
 
 #include <chrono>
@@ -16,6 +17,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "platform/platform.hpp"
 
 namespace cauce::workbook {
 
@@ -32,20 +35,16 @@ std::string FormatLock(const LockOwner& owner);
 // "Ana Pérez (ana en el equipo obra-3, desde el 24.11.2026 02:22)".
 std::string Describe(const LockOwner& owner);
 
-// Holds the save lock of a workbook while it lives. Waits for another Cauce's save to end (a lock
-// older than a save could take is one left by a Cauce that ended abruptly, and is taken over);
-// throws Fault naming the file when the folder does not let it be made or the wait runs out.
+// Holds the save lock of a workbook while it lives, waiting for another Cauce's save to end (the
+// system releases the lock of a process that ended). Throws Fault naming the file when the wait runs
+// out; when the lock file cannot be made at all the save goes on without it.
 class SaveLock {
   public:
     explicit SaveLock(const std::filesystem::path& workbook,
                       std::chrono::milliseconds wait = std::chrono::seconds(20));
-    ~SaveLock();
-    SaveLock(const SaveLock&) = delete;
-    SaveLock& operator=(const SaveLock&) = delete;
 
   private:
-    std::filesystem::path path_;
-    bool held_ = false;
+    std::optional<platform::FileLock> lock_;
 };
 
 }  // namespace cauce::workbook

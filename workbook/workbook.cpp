@@ -1,14 +1,8 @@
 #include "workbook/workbook.hpp"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
-
 #include "forms/binding.hpp"
 #include "hydraulics/fault.hpp"
+#include "platform/platform.hpp"
 #include "workbook/legacy.hpp"
 #include "workbook/limits.hpp"
 #include "workbook/lock_file.hpp"
@@ -160,55 +154,41 @@ std::unique_ptr<Workbook> Workbook::FromBytes(std::string bytes, std::string fil
 }
 
 FileIdentity IdentityOf(const fs::path& path) {
-    FileIdentity id;
-    struct stat st {};
-    if (::stat(path.c_str(), &st) != 0) return id;
-    id.exists = true;
-    id.device = static_cast<std::uint64_t>(st.st_dev);
-    id.inode = static_cast<std::uint64_t>(st.st_ino);
-    id.size = static_cast<std::int64_t>(st.st_size);
-    id.mtime_ns = static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec;
-    return id;
+    try {
+        return platform::Identify(path);
+    } catch (const platform::Error&) {
+        return {};  // cannot be looked at: as if absent; reading it then says why
+    }
 }
 
 std::string ReadWorkbookFile(const fs::path& path) {
     const std::string file = path.string();
     auto fail = [&](const std::string& why) { raise(why + " El archivo no se modificó."); };
-    struct stat st {};
-    if (::stat(path.c_str(), &st) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR) raise("No se encuentra el libro \"" + file + "\".");
-        fail("No se puede abrir el libro \"" + file + "\": " + SystemReason(errno) + ".");
+    platform::FileIdentity st;
+    try {
+        st = platform::Identify(path);
+    } catch (const platform::Error& e) {
+        fail("No se puede abrir el libro \"" + file + "\": " + e.Reason() + ".");
     }
-    if (S_ISDIR(st.st_mode)) raise("\"" + file + "\" es una carpeta, no un libro de Excel.");
-    if (!S_ISREG(st.st_mode)) raise("\"" + file + "\" no es un archivo común, no es un libro de Excel.");
-    if (static_cast<std::uint64_t>(st.st_size) > kMaxFileBytes)
-        fail("El libro \"" + file + "\" es demasiado grande (" + std::to_string(st.st_size >> 20) +
+    if (!st.Exists()) raise("No se encuentra el libro \"" + file + "\".");
+    if (st.kind == platform::FileKind::Folder)
+        raise("\"" + file + "\" es una carpeta, no un libro de Excel.");
+    if (st.kind != platform::FileKind::Regular)
+        raise("\"" + file + "\" no es un archivo común, no es un libro de Excel.");
+    if (static_cast<std::uint64_t>(st.size) > kMaxFileBytes)
+        fail("El libro \"" + file + "\" es demasiado grande (" + std::to_string(st.size >> 20) +
              " MB); Cauce lee libros de hasta " + std::to_string(kMaxFileBytes >> 20) + " MB.");
 
-    const int fd = ::open(path.c_str(), O_RDONLY);
-    if (fd < 0) {
-        const int err = errno;
-        fail("No se puede leer el libro \"" + file +
-             "\": " + (err == EACCES ? std::string("no hay permiso de lectura") : SystemReason(err)) + ".");
-    }
     std::string bytes;
-    char buf[65536];
-    for (;;) {
-        const ssize_t n = ::read(fd, buf, sizeof buf);
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) {
-            const int err = errno;
-            ::close(fd);
-            fail("No se puede leer el libro \"" + file + "\": " + SystemReason(err) + ".");
-        }
-        if (n == 0) break;
-        bytes.append(buf, static_cast<std::size_t>(n));
-        if (bytes.size() > kMaxFileBytes) {
-            ::close(fd);
-            fail("El libro \"" + file + "\" es demasiado grande.");
-        }
+    try {
+        bytes = platform::ReadFile(path, kMaxFileBytes);
+    } catch (const platform::Error& e) {
+        fail("No se puede leer el libro \"" + file + "\": " +
+             (e.GetCause() == platform::Cause::Permission ? std::string("no hay permiso de lectura")
+                                                          : e.Reason()) +
+             ".");
     }
-    ::close(fd);
+    if (bytes.size() > kMaxFileBytes) fail("El libro \"" + file + "\" es demasiado grande.");
     return bytes;
 }
 
@@ -231,8 +211,10 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
         wb = FromBytes(std::move(bytes), file);
     } else if (bytes.compare(0, 8, kCompound, 8) == 0) {
         // The old binary format (an .xlsx protected with a password is such a file too, and freexl says so).
-        wb.reset(new Workbook(Load(LegacyPackage(path), file)));
+        LegacyBook legacy = ReadLegacyBook(path);
+        wb.reset(new Workbook(Load(std::move(legacy.package), file)));
         wb->legacy_ = true;
+        wb->legacy_omitted_ = std::move(legacy.omitted);
     } else {
         raise("\"" + file + "\" no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.");
     }
@@ -428,7 +410,7 @@ void Workbook::Resolve(bool keep_mine) {
 bool Workbook::Refresh() {
     if (!on_disk_ || legacy_ || !edits_.empty() || Modified()) return false;
     const FileIdentity now = IdentityOf(path_);
-    if (!now.exists || now == disk_) return false;
+    if (!now.Exists() || now == disk_) return false;
     try {
         Rebase(Clash::Refuse);
     } catch (const Fault&) {
@@ -464,7 +446,8 @@ std::string Workbook::Save() {
         note = "El libro \"" + path_ +
                "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se "
                "guardaron en \"" +
-               target.string() + "\"." + (note.empty() ? "" : " " + note);
+               target.string() + "\": " + LegacyLosses(legacy_omitted_) + "." +
+               (note.empty() ? "" : " " + note);
         bytes = Bytes();
         ReplaceFile(target, bytes);
     } else {
@@ -474,7 +457,7 @@ std::string Workbook::Save() {
         SaveLock lock(path_);
         for (int attempt = 0;; ++attempt) {
             const FileIdentity now = IdentityOf(path_);
-            if (now.exists && !(now == disk_)) Rebase(Clash::Refuse);
+            if (now.Exists() && !(now == disk_)) Rebase(Clash::Refuse);
             bytes = Bytes();
             if (IdentityOf(path_) == now) break;
             if (attempt == 20)

@@ -20,17 +20,13 @@
 #include <tuple>
 #include <vector>
 
+#include "platform/platform.hpp"
 #include "workbook/sheet.hpp"
 
 namespace cauce::workbook {
 
-// What tells one version of a file from another: a save by any program changes at least one of these.
-struct FileIdentity {
-    std::uint64_t device = 0, inode = 0;
-    std::int64_t size = -1, mtime_ns = 0;
-    bool exists = false;
-    bool operator==(const FileIdentity&) const = default;
-};
+// What tells one version of a file from another: a save by any program changes it.
+using FileIdentity = platform::FileIdentity;
 FileIdentity IdentityOf(const std::filesystem::path& path);
 
 // A cell the user changed, and what it held when it was read.
@@ -95,6 +91,7 @@ class Workbook {
     std::unique_ptr<State> s_;
     std::string path_;
     bool legacy_ = false;
+    std::vector<std::string> legacy_omitted_;  // what a legacy .xls held that could not be read
     bool on_disk_ = false;
     FileIdentity disk_;
     std::map<std::tuple<std::string, int, int>, CellEdit> edits_;

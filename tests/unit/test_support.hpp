@@ -3,7 +3,8 @@
 
 #include <filesystem>
 #include <string>
-#include <unistd.h>
+
+#include "platform/platform.hpp"
 
 namespace cauce::test {
 
@@ -11,7 +12,7 @@ namespace cauce::test {
 class ScratchDir {
 public:
     explicit ScratchDir(const std::string& name)
-        : path_(std::filesystem::temp_directory_path() / ("cauce-test-" + std::to_string(::getpid()) + "-" + name)),
+        : path_(std::filesystem::temp_directory_path() / ("cauce-test-" + std::to_string(platform::ProcessId()) + "-" + name)),
           old_(std::filesystem::current_path()) {
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
