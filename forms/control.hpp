@@ -16,9 +16,9 @@ struct Place {
 };
 
 struct Control {
-    std::string name;    // "Text1", "Label25", "Command2", "Picture1", "Data1"
+    std::string name;  // "Text1", "Label25", "Command2", "Picture1", "Data1"
     Kind kind = Kind::Label;
-    std::string text;    // text of a text box; caption of a label, button or data control; figure of a picture
+    std::string text;  // text of a text box; caption of a label, button or data control; figure of a picture
     std::string column;  // worksheet column a text box is bound to ("" when unbound)
     Place place;
     bool multiline = false;  // a label that wraps

@@ -15,7 +15,8 @@ std::string FormatFixed(double value, int decimals) {
 
     // 15 significant digits: d.dddddddddddddde[+-]x
     char buf[64];
-    const auto res = std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, 14);
+    const auto res =
+        std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, 14);
     std::string sci(buf, res.ptr);
     const auto epos = sci.find('e');
     std::string digits;
@@ -31,7 +32,8 @@ std::string FormatFixed(double value, int decimals) {
         digits.resize(static_cast<std::size_t>(keep));
         if (up) {
             int p = keep - 1;
-            while (p >= 0 && digits[static_cast<std::size_t>(p)] == '9') digits[static_cast<std::size_t>(p--)] = '0';
+            while (p >= 0 && digits[static_cast<std::size_t>(p)] == '9')
+                digits[static_cast<std::size_t>(p--)] = '0';
             if (p >= 0) {
                 ++digits[static_cast<std::size_t>(p)];
             } else {
@@ -48,7 +50,8 @@ std::string FormatFixed(double value, int decimals) {
     if (int_part.empty()) int_part = "0";
     for (int p = 0; p < decimals; ++p) {
         const int idx = int_digits + p;
-        frac_part += (idx >= 0 && idx < static_cast<int>(digits.size())) ? digits[static_cast<std::size_t>(idx)] : '0';
+        frac_part +=
+            (idx >= 0 && idx < static_cast<int>(digits.size())) ? digits[static_cast<std::size_t>(idx)] : '0';
     }
     std::string out = int_part;
     if (decimals > 0) out += "." + frac_part;

@@ -1,10 +1,12 @@
 #include "workbook/lock_file.hpp"
 
 #include <cstdio>
+#include <ctime>
 #include <system_error>
 #include <vector>
 
 #include "hydraulics/fault.hpp"
+#include "workbook/data_folder.hpp"
 
 namespace cauce::workbook {
 
@@ -55,6 +57,96 @@ std::string Describe(const LockOwner& o) {
     if (!o.host.empty()) detail += (detail.empty() ? "en el equipo " : " en el equipo ") + o.host;
     if (!o.date.empty()) detail += (detail.empty() ? "desde el " : ", desde el ") + o.date;
     return detail.empty() ? who : who + " (" + detail + ")";
+}
+
+namespace {
+
+// The profile field of Cauce's locks: its data folder and the process.
+constexpr std::string_view kProcess = "/cauce-proceso-";
+
+// The process of a lock that Cauce wrote; nothing for a lock of another program.
+std::optional<std::int64_t> CauceProcess(const LockOwner& o) {
+    const auto at = o.profile.rfind(kProcess);
+    if (o.profile.rfind("file://", 0) != 0 || at == std::string::npos) return std::nullopt;
+    const std::string digits = o.profile.substr(at + kProcess.size());
+    if (digits.empty() || digits.size() > 18 || digits.find_first_not_of("0123456789") != std::string::npos)
+        return std::nullopt;
+    return std::stoll(digits);
+}
+
+std::string Now() {
+    const std::time_t t = std::time(nullptr);
+    char text[32] = "";
+    if (const std::tm* tm = std::localtime(&t)) std::strftime(text, sizeof text, "%d.%m.%Y %H:%M", tm);
+    return text;
+}
+
+}  // namespace
+
+LockOwner EditLock::Own() {
+    LockOwner o;
+    o.name = platform::UserFullName();
+    o.user = platform::UserLogin();
+    o.host = platform::HostName();
+    o.date = Now();
+    std::string folder = DataFolder().generic_string();
+    if (folder.empty() || folder[0] != '/') folder = "/" + folder;  // C:/... on Windows
+    o.profile = "file://" + folder + std::string(kProcess) + std::to_string(platform::ProcessId());
+    return o;
+}
+
+EditLock::EditLock(const fs::path& workbook)
+    : workbook_(workbook), path_(EditLockPath(workbook)), own_(Own()) {
+    Take();
+}
+
+void EditLock::Take() {
+    holder_.clear();
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        try {
+            if (platform::CreateExclusive(path_, FormatLock(own_))) {
+                owned_ = true;
+                return;
+            }
+            const auto other = ParseLock(platform::ReadFile(path_, 4096));
+            if (!other) {
+                // Not a lock at all (empty: a program that ended while writing it): nobody's.
+                platform::RemoveFile(path_);
+                continue;
+            }
+            if (other->profile == own_.profile) {
+                owned_ = true;
+                return;
+            }
+            const auto pid = CauceProcess(*other);
+            if (pid && other->host == own_.host && other->user == own_.user) {
+                if (platform::ProcessAlive(*pid)) return;  // another Cauce of this user: both save, merging
+                platform::RemoveFile(path_);               // left by a Cauce that ended abruptly
+                continue;
+            }
+            holder_ = "El libro \"" + workbook_.string() + "\" está abierto para edición por " +
+                      Describe(*other) + ": Cauce lo abre solo para lectura y no guardará cambios en él.";
+            return;
+        } catch (const platform::Error&) {
+            // A folder that does not let the lock be written or read: a save there says why.
+            return;
+        }
+    }
+}
+
+bool EditLock::Retake() {
+    if (owned_) return true;
+    Take();
+    return holder_.empty();
+}
+
+EditLock::~EditLock() {
+    if (!owned_) return;
+    try {
+        const auto now = ParseLock(platform::ReadFile(path_, 4096));
+        if (now && now->profile == own_.profile) platform::RemoveFile(path_);
+    } catch (const platform::Error&) {
+    }
 }
 
 SaveLock::SaveLock(const fs::path& workbook, std::chrono::milliseconds wait) {

@@ -35,6 +35,35 @@ std::string FormatLock(const LockOwner& owner);
 // "Ana Pérez (ana en el equipo obra-3, desde el 24.11.2026 02:22)".
 std::string Describe(const LockOwner& owner);
 
+// Cauce's edit lock on a workbook while it lives, or who else holds the workbook for editing.
+class EditLock {
+  public:
+    // Writes Cauce's lock file beside the workbook, unless one is there: a lock of another Cauce of
+    // the same user on this machine that is still running is shared (that Cauce removes it), one
+    // whose process has ended is taken over, any other (another program, user or machine) leaves
+    // the workbook to its holder.
+    explicit EditLock(const std::filesystem::path& workbook);
+    // Removes the lock file if it is still this process's own.
+    ~EditLock();
+    EditLock(const EditLock&) = delete;
+    EditLock& operator=(const EditLock&) = delete;
+
+    // Looks again (before a save): true when this process may write the workbook, writing its own
+    // lock if the one it shared or was kept out by is gone.
+    bool Retake();
+    // Who holds the workbook ("" when this process may write it).
+    const std::string& Holder() const { return holder_; }
+    // This process's lock fields.
+    static LockOwner Own();
+
+  private:
+    void Take();
+    std::filesystem::path workbook_, path_;
+    LockOwner own_;
+    bool owned_ = false;
+    std::string holder_;
+};
+
 // Holds the save lock of a workbook while it lives, waiting for another Cauce's save to end (the
 // system releases the lock of a process that ended). Throws Fault naming the file when the wait runs
 // out; when the lock file cannot be made at all the save goes on without it.

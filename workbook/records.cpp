@@ -106,6 +106,7 @@ std::shared_ptr<Workbook> SharedWorkbook(const fs::path& path) {
         return book;
     }
     std::shared_ptr<Workbook> book = Workbook::Open(path);
+    book->HoldForEditing();
     held[key.string()] = book;
     return book;
 }

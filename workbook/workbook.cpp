@@ -402,6 +402,14 @@ void Workbook::Rebase(Clash clash) {
     ++version_;
 }
 
+void Workbook::HoldForEditing() {
+    if (on_disk_ && !legacy_ && !edit_lock_) edit_lock_ = std::make_unique<EditLock>(path_);
+}
+
+std::string Workbook::ReadOnly() const {
+    return edit_lock_ && !legacy_ ? edit_lock_->Holder() : "";
+}
+
 void Workbook::Resolve(bool keep_mine) {
     if (!on_disk_ || legacy_) return;
     Rebase(keep_mine ? Clash::KeepMine : Clash::TakeTheirs);
@@ -422,7 +430,9 @@ bool Workbook::Refresh() {
 std::string Workbook::Save() {
     if (!Modified()) return "";
     if (!on_disk_) raise("El libro \"" + path_ + "\" no está en el disco: no se puede guardar.");
-    if (!read_only_.empty()) throw(forms::SaveRefused(forms::SaveRefused::Why::Locked, read_only_));
+    if (edit_lock_ && !legacy_ && !edit_lock_->Retake())
+        throw(forms::SaveRefused(forms::SaveRefused::Why::Locked,
+                                 edit_lock_->Holder() + " Sus cambios no se guardaron; quedan pendientes."));
     std::string note;
     // Formulas the user's values replace.
     for (const auto& [key, e] : edits_)

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "platform/platform.hpp"
+#include "workbook/lock_file.hpp"
 #include "workbook/sheet.hpp"
 
 namespace cauce::workbook {
@@ -72,9 +73,11 @@ class Workbook {
     // Reads the file again when another program changed it and nothing is pending here; true when
     // it did.
     bool Refresh();
-    // Makes Save refuse with this message (the workbook is open for editing elsewhere); "" lifts it.
-    void SetReadOnly(std::string why) { read_only_ = std::move(why); }
-    const std::string& ReadOnly() const { return read_only_; }
+    // Holds the workbook for editing until it is destroyed: Cauce's lock file beside it, as
+    // spreadsheet programs write theirs. When another program or user holds it, saves are refused
+    // until that lock goes (ReadOnly names the holder).
+    void HoldForEditing();
+    std::string ReadOnly() const;
 
     // The package as it would be written.
     std::string Bytes();
@@ -96,7 +99,7 @@ class Workbook {
     FileIdentity disk_;
     std::map<std::tuple<std::string, int, int>, CellEdit> edits_;
     std::uint64_t version_ = 1;
-    std::string read_only_;
+    std::unique_ptr<EditLock> edit_lock_;
 };
 
 // Reads a file whole (at most the size a workbook may have). Throws Fault naming it.

@@ -323,7 +323,10 @@ std::vector<std::pair<std::uint16_t, std::string>> WriteStrings(
         bool narrow = true;
         for (const char16_t c : s) narrow = narrow && c < 0x100;
         if (3 + s.size() * (narrow ? 1 : 2) > kRecordLimit) {
-            const std::string stand_in = "\x01" "cauce-texto-" + std::to_string(k);
+            const std::string stand_in =
+                "\x01"
+                "cauce-texto-" +
+                std::to_string(k);
             long_texts[stand_in] = Utf8(s);
             s.assign(stand_in.begin(), stand_in.end());
             narrow = true;
