@@ -7,6 +7,7 @@
 #include <QWidget>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -92,6 +93,8 @@ class ScreenView : public QWidget {
     std::string last_table_box_;
     std::string closing_button_;  // the button whose click closed the model
     bool refreshing_ = false;
+    std::set<std::pair<std::string, int>>
+        formula_ok_;  // formula boxes the user chose to overwrite, by record
 };
 
 }  // namespace cauce::app

@@ -9,6 +9,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   python3 python3-openpyxl python3-xlwt poppler-utils
+  libreoffice-calc-nogui python3-uno
   clang libclang-rt-14-dev
 )
 missing=()

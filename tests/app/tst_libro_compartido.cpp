@@ -1,0 +1,99 @@
+// Desktop windows sharing one real workbook: they edit, save and navigate in turn and nothing is
+// lost; a cell changed in two windows is settled by the user's choice.
+#include <QAbstractButton>
+#include <QLineEdit>
+#include <QtTest>
+#include <filesystem>
+
+#include "app/desktop.hpp"
+#include "app/navigator.hpp"
+#include "app/screen_view.hpp"
+#include "app/screen_window.hpp"
+#include "support.hpp"
+#include "workbook/install.hpp"
+#include "workbook/records.hpp"
+#include "workbook/workbook.hpp"
+
+using namespace cauce;
+using namespace cauce::apptest;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string CellOf(const fs::path& file, const std::string& sheet, int record, const std::string& column) {
+    return workbook::SheetRecords(workbook::Workbook::Open(file), sheet).Get(record, column);
+}
+
+}  // namespace
+
+class LibroCompartido : public QObject {
+    Q_OBJECT
+    fs::path dir_, file_;
+
+  private slots:
+    void init() {
+        dir_ = fs::temp_directory_path() /
+               ("cauce-libro-compartido-" + std::to_string(QCoreApplication::applicationPid()));
+        fs::remove_all(dir_);
+        fs::create_directories(dir_);
+        file_ = dir_ / "Rios.xlsx";
+        fs::copy_file(fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx", file_);
+        workbook::Install();
+    }
+    void cleanup() { fs::remove_all(dir_); }
+
+    void windowsEditSaveAndNavigateInTurn() {
+        RecordingPrompter prompter;
+        {
+            app::Desktop desktop(prompter, [&](std::string_view) { return file_.string(); });
+            app::ScreenWindow* form2 = desktop.Open("Form2");
+            app::ScreenWindow* form4 = desktop.Open("Form4");
+            app::ScreenWindow* other = desktop.Open("Form2");
+            auto next = [](app::ScreenWindow* w) {
+                QTest::mouseClick(w->View()->DataNavigator()->Next(), Qt::LeftButton);
+            };
+            auto previous = [](app::ScreenWindow* w) {
+                QTest::mouseClick(w->View()->DataNavigator()->Previous(), Qt::LeftButton);
+            };
+
+            Type(form4->View(), "Text95", "33");
+            Type(form2->View(), "Text93", "0.041");
+            next(form2);
+            next(form4);
+            previous(form2);
+            QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join("\n")));
+            QCOMPARE(CellOf(file_, "Persecc", 1, "Rugosidad"), std::string("0.041"));
+            QCOMPARE(CellOf(file_, "Percanal", 1, "Caudal"), std::string("33"));
+            // The third window, on the record the first one saved, shows the saved value.
+            QCOMPARE(other->View()->Box("Text93")->text(), QStringLiteral("0.041"));
+
+            // One cell changed in two windows: the second save asks; "keep mine" wins, both move on.
+            Type(other->View(), "Text95", "42");
+            Type(form2->View(), "Text95", "43");
+            next(form2);
+            prompter.answer = true;
+            next(other);
+            QCOMPARE(prompter.questions.size(), 1);
+            QVERIFY(prompter.questions[0].contains(QStringLiteral(
+                "registro 1, columna \"Caudal\": otra ventana guardó 43 y en esta se escribió 42")));
+            QCOMPARE(other->View()->DataNavigator()->Position(), QStringLiteral("Registro 2 de 12"));
+            QCOMPARE(CellOf(file_, "Persecc", 1, "Caudal"), std::string("42"));
+
+            // "Take the file's": the window shows the other's value and moves on.
+            Type(other->View(), "Text95", "52");
+            Type(form2->View(), "Text95", "53");
+            previous(form2);
+            prompter.answer = false;
+            previous(other);
+            QCOMPARE(other->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 12"));
+            QCOMPARE(CellOf(file_, "Persecc", 2, "Caudal"), std::string("53"));
+            QVERIFY(prompter.faults.isEmpty());
+            QVERIFY(fs::exists(dir_ / ".~lock.Rios.xlsx#"));
+            QVERIFY(desktop.Exit());
+        }
+        QVERIFY(!fs::exists(dir_ / ".~lock.Rios.xlsx#"));
+    }
+};
+
+QTEST_MAIN(LibroCompartido)
+#include "tst_libro_compartido.moc"
