@@ -68,6 +68,8 @@ std::pair<int, int> SheetRecords::Place(int record, const std::string& column) c
 
 std::string SheetRecords::Get(int record, const std::string& column) const {
     const auto [row, col] = Place(record, column);
+    // A formula shows its value computed from the cells as they are now, where it can be.
+    if (const auto computed = book_->Computed(sheet_, row, col)) return DisplayText(*computed);
     return DisplayText(TheSheet().Get(row, col));
 }
 

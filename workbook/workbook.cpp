@@ -3,6 +3,7 @@
 #include "forms/binding.hpp"
 #include "hydraulics/fault.hpp"
 #include "platform/platform.hpp"
+#include "workbook/formula.hpp"
 #include "workbook/legacy.hpp"
 #include "workbook/limits.hpp"
 #include "workbook/lock_file.hpp"
@@ -315,6 +316,26 @@ void Workbook::Set(const std::string& sheet, int row, int col, const Cell& value
                  .first;
     sh->Set(row, col, value);
     it->second.value = sh->Get(row, col);
+}
+
+std::optional<Cell> Workbook::Computed(const std::string& sheet, int row, int col, int depth) {
+    Sheet* sh = FindSheet(sheet);
+    const std::string formula = sh ? sh->FormulaText(row, col) : "";
+    if (formula.empty() || depth > 16) return std::nullopt;  // a deeper chain (or a cycle): the cached result
+    const auto v =
+        EvaluateFormula(formula, [&](const std::string& other, int r, int c) -> std::optional<double> {
+            const std::string name = other.empty() ? sheet : other;
+            Sheet* o = FindSheet(name);
+            if (!o) return std::nullopt;
+            if (!o->FormulaText(r, c).empty()) {
+                const auto x = Computed(name, r, c, depth + 1);
+                return x && x->kind == CellKind::Number ? std::optional(x->number) : std::nullopt;
+            }
+            const Cell cell = o->Get(r, c);
+            if (cell.kind == CellKind::Empty) return 0.0;
+            return cell.kind == CellKind::Number ? std::optional(cell.number) : std::nullopt;
+        });
+    return v ? std::optional(Cell::Num(*v)) : std::nullopt;
 }
 
 const std::vector<CellEdit> Workbook::Edits() const {

@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -58,6 +59,9 @@ class Workbook {
     // is not there.
     void Set(const std::string& sheet, int row, int col, const Cell& value);
     const std::vector<CellEdit> Edits() const;
+    // The value of a formula cell computed from the cells it reads (see EvaluateFormula); nothing
+    // for a cell without a formula or a formula that cannot be computed here.
+    std::optional<Cell> Computed(const std::string& sheet, int row, int col, int depth = 0);
     // Counts every change of what the workbook holds (a save here, another program's cells read
     // again): views of its records compare it to know when to read their boxes again.
     std::uint64_t Version() const { return version_; }

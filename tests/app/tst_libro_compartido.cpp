@@ -2,6 +2,7 @@
 // lost; a cell changed in two windows is settled by the user's choice.
 #include <QAbstractButton>
 #include <QLineEdit>
+#include <QToolButton>
 #include <QtTest>
 #include <filesystem>
 
@@ -91,6 +92,8 @@ class LibroCompartido : public QObject {
             QVERIFY(fs::exists(dir_ / ".~lock.Rios.xlsx#"));
             QVERIFY(desktop.Exit());
         }
+        // Closed windows go when the event loop deletes them: the last one takes the lock with it.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!fs::exists(dir_ / ".~lock.Rios.xlsx#"));
     }
 };

@@ -203,12 +203,24 @@ class LibreOfficeTest(Scratch):
             self.assertEqual(fed.getFormula(), f"={letter}2")
         finally:
             doc.close(True)
+        # Cauce shows the formula's value from the cells as they are now, and says when an edit
+        # replaces it.
+        r = self.guion("pantalla Form2\nlibro Rios.xlsx\nregistro 3\nmostrar\nescribir Text95 50\nregistro 1\n"
+                       "mostrar\n")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        shown, moved = (json.loads(line) for line in r.stdout.splitlines())
+        self.assertEqual(shown["Text95"], format(first + 7, "g"))
+        self.assertIn(f"Se reemplazó la fórmula ={letter}2 de la hoja \"Persecc\" (registro 3, columna \"Caudal\") "
+                      "por el valor 50.", moved["aviso"])
+        self.assertEqual(cell(book, "Persecc", 3, "Caudal"), 50)
         after = openpyxl.load_workbook(book)
         for name in before.sheetnames:
             for row_a, row_b in zip(before[name].iter_rows(), after[name].iter_rows()):
                 for a, b in zip(row_a, row_b):
                     if (name, a.row, a.column) == ("Persecc", 2, caudal + 1):
                         self.assertEqual(b.value, first + 7)
+                    elif (name, a.row, a.column) == ("Persecc", 4, caudal + 1):
+                        self.assertEqual(b.value, 50)
                     else:
                         self.assertEqual(a.value, b.value, f"{name}!{a.coordinate}")
 

@@ -6,6 +6,7 @@
 #include "forms/binding.hpp"
 #include "platform/platform.hpp"
 #include "tests/workbook/support.hpp"
+#include "workbook/formula.hpp"
 #include "workbook/lock_file.hpp"
 #include "workbook/records.hpp"
 #include "workbook/workbook.hpp"
@@ -251,6 +252,41 @@ TEST_F(WorkbookTest, FormulaCellsAreSavedWithoutCachedResultsAndStillShown) {
         }
     }
     EXPECT_NE(Part(file, "xl/workbook.xml").find("fullCalcOnLoad=\"1\""), std::string::npos);
+}
+
+}  // namespace
+}  // namespace cauce::test
+
+namespace cauce::test {
+namespace {
+
+TEST(EvaluateFormula, ComputesSimpleFormulasAndLeavesTheRestToTheCachedResult) {
+    // Sheet "" (the formula's own): A1 = 38, A2 = 45, A3 blank, B1 = "texto"; sheet "Mi hoja": A1 = 2.
+    const workbook::CellNumber cells = [](const std::string& sheet, int row,
+                                          int col) -> std::optional<double> {
+        if (sheet == "Mi hoja") return row == 1 && col == 1 ? std::optional(2.0) : std::optional(0.0);
+        if (col == 2) return std::nullopt;
+        if (!sheet.empty() && sheet != "Persecc") return std::nullopt;
+        return row == 1 ? 38.0 : row == 2 ? 45.0 : 0.0;
+    };
+    const struct {
+        const char* formula;
+        std::optional<double> value;
+    } cases[] = {
+        {"A1", 38},
+        {"$A$2", 45},
+        {"SUM(A1:A3)", 83},
+        {"SUM(Persecc!A1:A2,10)", std::nullopt},  // a number inside SUM is not a range: not computed here
+        {"SUM(Persecc!A1:A2)", 83},
+        {"'Mi hoja'!A1*(A1-A2)/2", -7},
+        {"-A1+1.5e1", -23},
+        {"A1/A3", std::nullopt},  // division by zero: the cached result stays
+        {"A1+B1", std::nullopt},  // a text
+        {"AVERAGE(A1:A2)", std::nullopt},
+        {"A1+", std::nullopt},
+        {"Otra!A1", std::nullopt},
+    };
+    for (const auto& c : cases) EXPECT_EQ(workbook::EvaluateFormula(c.formula, cells), c.value) << c.formula;
 }
 
 }  // namespace
