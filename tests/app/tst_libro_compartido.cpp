@@ -1,9 +1,11 @@
 // Desktop windows sharing one real workbook: they edit, save and navigate in turn and nothing is
-// lost; a cell changed in two windows is settled by the user's choice.
+// lost; a cell changed in two windows is settled by the user's choice; a box fed by a formula is
+// marked and asks before its formula is replaced.
 #include <QAbstractButton>
 #include <QLineEdit>
 #include <QToolButton>
 #include <QtTest>
+#include <cstdlib>
 #include <filesystem>
 
 #include "app/desktop.hpp"
@@ -95,6 +97,43 @@ class LibroCompartido : public QObject {
         // Closed windows go when the event loop deletes them: the last one takes the lock with it.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!fs::exists(dir_ / ".~lock.Rios.xlsx#"));
+    }
+
+    void formulaBoxIsMarkedAndAsksBeforeItsFormulaIsReplaced() {
+        // Record 3's discharge becomes a formula over record 1's, written by another program.
+        const fs::path libros = fs::path(CAUCE_EXAMPLES_DIR) / ".." / "tests" / "workbook" / "libros.py";
+        const std::string put = "/usr/bin/python3 '" + libros.string() + "' poner '" + file_.string() +
+                                "' Persecc 3 Caudal '\"=K2\"'";
+        QCOMPARE(std::system(put.c_str()), 0);
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [&](std::string_view) { return file_.string(); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        auto* nav = w->View()->DataNavigator();
+        QTest::mouseClick(nav->Next(), Qt::LeftButton);
+        QTest::mouseClick(nav->Next(), Qt::LeftButton);
+        QLineEdit* box = w->View()->Box("Text95");
+        QVERIFY(box->font().italic());
+        QVERIFY(box->toolTip().contains(QStringLiteral("=K2")));
+        QVERIFY(!w->View()->Box("Text93")->font().italic());
+
+        const QString shown = box->text();
+        prompter.answer = false;
+        Type(w->View(), "Text95", "50");
+        QVERIFY(!prompter.questions.isEmpty());
+        QVERIFY(prompter.questions[0].contains(QStringLiteral("fórmula =K2")));
+        QCOMPARE(box->text(), shown);
+        QTest::mouseClick(nav->Previous(), Qt::LeftButton);
+        QCOMPARE(CellOf(file_, "Persecc", 3, "Caudal"),
+                 shown.toStdString());  // the formula's value, untouched
+
+        QTest::mouseClick(nav->Next(), Qt::LeftButton);
+        prompter.answer = true;
+        Type(w->View(), "Text95", "50");
+        QCOMPARE(box->text(), QStringLiteral("50"));
+        QTest::mouseClick(nav->Previous(), Qt::LeftButton);
+        QCOMPARE(CellOf(file_, "Persecc", 3, "Caudal"), std::string("50"));
+        QVERIFY(prompter.faults.isEmpty());
+        desktop.Exit();
     }
 };
 
