@@ -12,6 +12,7 @@
 #include "app/navigator.hpp"
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
+#include "screens/profile_screen.hpp"
 #include "support.hpp"
 #include "workbook/install.hpp"
 #include "workbook/records.hpp"
@@ -19,6 +20,7 @@
 
 using namespace cauce;
 using namespace cauce::apptest;
+namespace profile = cauce::screens::profile;
 namespace fs = std::filesystem;
 
 namespace {
@@ -59,8 +61,8 @@ class LibroCompartido : public QObject {
                 QTest::mouseClick(w->View()->DataNavigator()->Previous(), Qt::LeftButton);
             };
 
-            Type(form4->View(), "Text95", "33");
-            Type(form2->View(), "Text93", "0.041");
+            Type(form4->View(), profile::box::Discharge, "33");
+            Type(form2->View(), profile::box::Roughness, "0.041");
             next(form2);
             next(form4);
             previous(form2);
@@ -68,11 +70,11 @@ class LibroCompartido : public QObject {
             QCOMPARE(CellOf(file_, "Persecc", 1, "Rugosidad"), std::string("0.041"));
             QCOMPARE(CellOf(file_, "Percanal", 1, "Caudal"), std::string("33"));
             // The third window, on the record the first one saved, shows the saved value.
-            QCOMPARE(other->View()->Box("Text93")->text(), QStringLiteral("0.041"));
+            QCOMPARE(other->View()->Box(profile::box::Roughness)->text(), QStringLiteral("0.041"));
 
             // One cell changed in two windows: the second save asks; "keep mine" wins, both move on.
-            Type(other->View(), "Text95", "42");
-            Type(form2->View(), "Text95", "43");
+            Type(other->View(), profile::box::Discharge, "42");
+            Type(form2->View(), profile::box::Discharge, "43");
             next(form2);
             prompter.answer = true;
             next(other);
@@ -83,8 +85,8 @@ class LibroCompartido : public QObject {
             QCOMPARE(CellOf(file_, "Persecc", 1, "Caudal"), std::string("42"));
 
             // "Take the file's": the window shows the other's value and moves on.
-            Type(other->View(), "Text95", "52");
-            Type(form2->View(), "Text95", "53");
+            Type(other->View(), profile::box::Discharge, "52");
+            Type(form2->View(), profile::box::Discharge, "53");
             previous(form2);
             prompter.answer = false;
             previous(other);
@@ -111,14 +113,14 @@ class LibroCompartido : public QObject {
         auto* nav = w->View()->DataNavigator();
         QTest::mouseClick(nav->Next(), Qt::LeftButton);
         QTest::mouseClick(nav->Next(), Qt::LeftButton);
-        QLineEdit* box = w->View()->Box("Text95");
+        QLineEdit* box = w->View()->Box(profile::box::Discharge);
         QVERIFY(box->font().italic());
         QVERIFY(box->toolTip().contains(QStringLiteral("=K2")));
-        QVERIFY(!w->View()->Box("Text93")->font().italic());
+        QVERIFY(!w->View()->Box(profile::box::Roughness)->font().italic());
 
         const QString shown = box->text();
         prompter.answer = false;
-        Type(w->View(), "Text95", "50");
+        Type(w->View(), profile::box::Discharge, "50");
         QVERIFY(!prompter.questions.isEmpty());
         QVERIFY(prompter.questions[0].contains(QStringLiteral("fórmula =K2")));
         QCOMPARE(box->text(), shown);
@@ -128,7 +130,7 @@ class LibroCompartido : public QObject {
 
         QTest::mouseClick(nav->Next(), Qt::LeftButton);
         prompter.answer = true;
-        Type(w->View(), "Text95", "50");
+        Type(w->View(), profile::box::Discharge, "50");
         QCOMPARE(box->text(), QStringLiteral("50"));
         QTest::mouseClick(nav->Previous(), Qt::LeftButton);
         QCOMPARE(CellOf(file_, "Persecc", 3, "Caudal"), std::string("50"));

@@ -5,6 +5,7 @@
 
 #include "forms/binding.hpp"
 #include "platform/platform.hpp"
+#include "screens/profile_screen.hpp"
 #include "tests/workbook/support.hpp"
 #include "workbook/formula.hpp"
 #include "workbook/lock_file.hpp"
@@ -16,6 +17,7 @@ namespace {
 
 using workbook::SheetRecords;
 using workbook::Workbook;
+namespace profile = screens::profile;
 
 const fs::path kRios = fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx";
 
@@ -106,27 +108,27 @@ TEST_F(WorkbookTest, ScreensOnOneFileShareOneWorkbookAndSeeEachOthersSaves) {
 
     // Edits in turn on two sheets, each window saving by moving: no window takes the other for
     // another program, and nothing is lost.
-    form4->Type("Text95", "33");
-    form2->Type("Text93", "0.041");
+    form4->Type(profile::box::Discharge, "33");
+    form2->Type(profile::box::Roughness, "0.041");
     form2->MoveTo(2);
     form4->MoveTo(2);
     form2->MoveTo(1);
-    EXPECT_EQ(form2->Get("Text93").text, "0.041");
+    EXPECT_EQ(form2->Get(profile::box::Roughness).text, "0.041");
     EXPECT_EQ(CellOf(file, "Persecc", 1, "Rugosidad"), "0.041");
     EXPECT_EQ(CellOf(file, "Percanal", 1, "Caudal"), "33");
 
     // A window showing the record another one saved shows the saved value, and keeps its own edits.
-    other->Type("Text94", "0.0031");
-    form2->Type("Text95", "41");
+    other->Type(profile::box::Slope, "0.0031");
+    form2->Type(profile::box::Discharge, "41");
     form2->MoveTo(3);
     EXPECT_TRUE(other->Resync());
-    EXPECT_EQ(other->Get("Text95").text, "41");
-    EXPECT_EQ(other->Get("Text94").text, "0.0031");
+    EXPECT_EQ(other->Get(profile::box::Discharge).text, "41");
+    EXPECT_EQ(other->Get(profile::box::Slope).text, "0.0031");
 
     // Both change one cell: the second save is refused with the place named, then the choice.
-    other->Type("Text95", "42");
+    other->Type(profile::box::Discharge, "42");
     form2->MoveTo(1);
-    form2->Type("Text95", "43");
+    form2->Type(profile::box::Discharge, "43");
     form2->MoveTo(2);
     try {
         other->MoveTo(2);
@@ -182,7 +184,7 @@ TEST_F(WorkbookTest, LockFilesFollowTheSpreadsheetProgramsConvention) {
             "\" está abierto para edición por ana (en el equipo obra-3, desde el 24.11.2026 "
             "02:22): Cauce lo abre solo para lectura y no guardará cambios en él.";
         EXPECT_EQ(s->Notice(), says);
-        s->Type("Text95", "99");
+        s->Type(profile::box::Discharge, "99");
         try {
             s->MoveTo(2);
             FAIL() << "saved a workbook held by another program";
@@ -197,7 +199,7 @@ TEST_F(WorkbookTest, LockFilesFollowTheSpreadsheetProgramsConvention) {
 
         // The holder closes the workbook: the next save takes it.
         fs::remove(lock);
-        s->Type("Text95", "98");
+        s->Type(profile::box::Discharge, "98");
         s->MoveTo(3);
         EXPECT_EQ(CellOf(file, "Persecc", 2, "Caudal"), "98");
         EXPECT_EQ(workbook::ParseLock(Slurp(lock))->profile, own.profile);
@@ -221,7 +223,7 @@ TEST_F(WorkbookTest, LockFilesFollowTheSpreadsheetProgramsConvention) {
     {
         auto s = screens::MakeScreen("Form2");
         s->OpenWorkbook("rio.xlsx");
-        s->Type("Text95", "97");
+        s->Type(profile::box::Discharge, "97");
         s->MoveTo(2);
         EXPECT_EQ(CellOf(file, "Persecc", 1, "Caudal"), "97");
     }
