@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "app/dialogs.hpp"
+#include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
 #include "hydraulics/fault.hpp"
 #include "screens/registry.hpp"
@@ -49,6 +50,19 @@ bool Desktop::Exit() {
     }
     exiting_ = false;
     return true;
+}
+
+void Desktop::Resync(ScreenWindow* from) {
+    for (ScreenWindow* w : windows_) {
+        if (w == from) continue;
+        bool changed = false;
+        try {
+            changed = w->Model().Resync();
+        } catch (const Fault&) {
+            // The window's own next move says what is wrong with its workbook.
+        }
+        if (changed) w->View()->Refresh();
+    }
 }
 
 void Desktop::Forget(ScreenWindow* window) {

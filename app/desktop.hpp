@@ -29,6 +29,9 @@ class Desktop : public QObject {
     // False when a window stays open (its save failed and the user chose not to lose the edits).
     bool Exit();
 
+    // After a window acted: every other window shows what it saved in a workbook they share.
+    void Resync(ScreenWindow* from);
+
   private:
     friend class ScreenWindow;
     void Forget(ScreenWindow* window);

@@ -16,6 +16,7 @@
 #include "app/figure_widget.hpp"
 #include "app/navigator.hpp"
 #include "app/partial_number.hpp"
+#include "app/save_refusal.hpp"
 #include "app/section_sketch.hpp"
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
@@ -280,6 +281,19 @@ void ScreenView::PlaceUnit(QLineEdit* box) {
 
 void ScreenView::Typed(const std::string& name, const QString& text) {
     if (refreshing_) return;
+    // A box fed by a formula of the workbook: typing replaces the formula, so the user is asked first
+    // (once per record).
+    if (const std::string formula = model_.FormulaOf(name);
+        !formula.empty() && !formula_ok_.count({name, model_.Record()})) {
+        if (!prompter_.Ask(window(),
+                           QStringLiteral("La casilla toma su valor de la fórmula %1 del libro. ¿Reemplazar "
+                                          "la fórmula por el valor que escribe?")
+                               .arg(Q(formula)))) {
+            Refresh();
+            return;
+        }
+        formula_ok_.insert({name, model_.Record()});
+    }
     model_.Type(name, text.toStdString());
     MarkReading(Box(name));
     // The box is the user's now; whatever a click computed before is out of date.
@@ -304,8 +318,16 @@ void ScreenView::Typed(const std::string& name, const QString& text) {
 }
 
 void ScreenView::MarkReading(QLineEdit* box) {
-    const std::string tip = PartialTooltip(box->text().toStdString());
+    std::string tip = PartialTooltip(box->text().toStdString());
     const bool partial = !tip.empty();
+    // A box fed by a formula shows it in italics, the formula in its tip.
+    const std::string formula = model_.FormulaOf(box->objectName().toStdString());
+    if (!formula.empty()) tip = "Fórmula del libro: " + formula + (tip.empty() ? "" : "\n" + tip);
+    if (box->font().italic() != !formula.empty()) {
+        QFont font = box->font();
+        font.setItalic(!formula.empty());
+        box->setFont(font);
+    }
     if (box->property(kPartialProperty).toBool() == partial && box->toolTip() == Q(tip)) return;
     box->setProperty(kPartialProperty, partial);
     box->setToolTip(Q(tip));
@@ -548,7 +570,7 @@ void ScreenView::MoveRecord(Move move) {
                 outlined_.erase(c.name);
             }
     };
-    try {
+    const bool moved = SaveSettling(model_, prompter_, window(), [&] {
         switch (move) {
             case Move::First:
                 model_.MoveFirst();
@@ -563,15 +585,11 @@ void ScreenView::MoveRecord(Move move) {
                 model_.MoveLast();
                 break;
         }
-    } catch (const Fault& f) {
-        forget_refilled();
-        Refresh();
-        prompter_.Fault(window(), Q(f.what()));
-        return;
-    }
+    });
     forget_refilled();
     Refresh();
     emit staleChanged();
+    if (!moved) return;
     if (!model_.SaveNote().empty()) emit note(Q(model_.SaveNote()));
     emit recordMoved();
 }

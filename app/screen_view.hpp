@@ -133,6 +133,8 @@ class ScreenView : public QWidget {
     std::set<std::string, std::less<>> clicked_;       // buttons whose click ran
     std::set<std::string, std::less<>> edited_after_;  // ... and a datum was edited since
     std::map<std::string, QLabel*, std::less<>> units_;
+    std::set<std::pair<std::string, int>>
+        formula_ok_;  // formula boxes the user chose to overwrite, by record
 };
 
 }  // namespace cauce::app

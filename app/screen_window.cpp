@@ -16,6 +16,7 @@
 #include "app/desktop.hpp"
 #include "app/dialogs.hpp"
 #include "app/profile_chart.hpp"
+#include "app/save_refusal.hpp"
 #include "app/screen_view.hpp"
 #include "app/standard_profile.hpp"
 #include "app/survey_dialog.hpp"
@@ -120,12 +121,11 @@ void ScreenWindow::BuildMenus() {
     open->setShortcut(QKeySequence::Open);
     open->setEnabled(model_->HasData());
     QAction* save = file->addAction(QStringLiteral("&Guardar el registro"), this, [this] {
-        try {
-            const std::string note = model_->SavePending();
-            if (!note.empty()) statusBar()->showMessage(Q(note), 10000);
-        } catch (const Fault& f) {
-            prompter_.Fault(this, Q(f.what()));
-        }
+        std::string note;
+        SaveSettling(*model_, prompter_, this, [&] { note = model_->SavePending(); });
+        view_->Refresh();
+        Update();
+        if (!note.empty()) statusBar()->showMessage(Q(note), 10000);
     });
     save->setShortcut(QKeySequence::Save);
     save->setEnabled(model_->HasData());
@@ -294,6 +294,8 @@ void ScreenWindow::Update() {
         profile_tabs_->hide();
     }
     chart_->SetStale(!chart_owner_.isEmpty() && view_->StaleFrom(chart_owner_.toStdString()));
+    // Other windows on the same workbook show what this one saved.
+    if (desktop_) desktop_->Resync(this);
     QString status;
     if (model_->HasData()) {
         status = model_->Source()
@@ -310,17 +312,15 @@ void ScreenWindow::Update() {
 }
 
 bool ScreenWindow::OpenWorkbook(const QString& path) {
-    try {
-        model_->OpenWorkbook(path.toStdString());
-    } catch (const Fault& f) {
-        prompter_.Fault(this, Q(f.what()));
-        view_->Refresh();
-        Update();
-        return false;
-    }
+    // The record left is saved first; a refused save is settled by the user before the workbook
+    // changes, so that opening never gets stuck on it.
+    const bool opened =
+        SaveSettling(*model_, prompter_, this, [&] { model_->OpenWorkbook(path.toStdString()); });
     view_->Refresh();
     Update();
-    return true;
+    if (opened && !model_->Source()->ReadOnly().empty())
+        prompter_.Note(this, Q(model_->Source()->ReadOnly()));
+    return opened;
 }
 
 void ScreenWindow::ChooseWorkbook() {
@@ -333,7 +333,14 @@ void ScreenWindow::ChooseWorkbook() {
 
 bool ScreenWindow::SaveBeforeClosing() {
     try {
-        const std::string note = model_->SavePending();
+        std::string note;
+        try {
+            note = model_->SavePending();
+        } catch (const forms::SaveRefused&) {
+            // The user settles it (keep mine / take the file's, or discard); only what stays unsaved
+            // asks about closing.
+            if (!SaveSettling(*model_, prompter_, this, [&] { note = model_->SavePending(); })) throw;
+        }
         if (!note.empty()) prompter_.Note(this, Q(note));
     } catch (const std::exception& e) {
         return prompter_.Ask(
@@ -342,6 +349,17 @@ bool ScreenWindow::SaveBeforeClosing() {
                 .arg(Q(e.what())));
     }
     return true;
+}
+
+void ScreenWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    // Coming back to the window: what another program saved meanwhile is read and shown.
+    if (event->type() != QEvent::ActivationChange || !isActiveWindow()) return;
+    try {
+        if (model_->Resync()) view_->Refresh();
+    } catch (const Fault&) {
+        // The next record move or save says what is wrong with the workbook.
+    }
 }
 
 void ScreenWindow::closeEvent(QCloseEvent* event) {

@@ -2,16 +2,32 @@
 // row naming the columns that the bound text boxes show and save.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "hydraulics/fault.hpp"
+
 namespace cauce::forms {
+
+// A save that would lose someone's data and is therefore refused: a cell changed both here and by
+// another program (or window) since it was read, or a workbook another program holds for editing.
+// The user's values stay pending.
+class SaveRefused : public Fault {
+  public:
+    enum class Why { Conflict, Locked };
+    SaveRefused(Why why, const std::string& message) : Fault(message), why_(why) {}
+    Why why() const { return why_; }
+
+  private:
+    Why why_;
+};
 
 // A sheet seen as records; implemented over real workbooks by workbook/.
 class RecordSource {
-public:
+  public:
     virtual ~RecordSource() = default;
     virtual int RecordCount() const = 0;
     virtual bool HasColumn(const std::string& column) const = 0;
@@ -22,6 +38,17 @@ public:
     // that a legacy .xls was saved as .xlsx beside it), "" otherwise. Throws Fault on failure.
     virtual std::string Save() = 0;
     virtual std::string Path() const = 0;
+    // Changes whenever the records may have changed under the screen (a save through another screen
+    // on the same workbook, another program's edits read again).
+    virtual std::uint64_t Version() const { return 0; }
+    // The formula of a cell ("=AI3"), "" for a cell without one.
+    virtual std::string Formula(int, const std::string&) const { return ""; }
+    // After a refused save over a conflict: the user's values win, or the file's (see Workbook).
+    virtual void Resolve(bool /*keep_mine*/) {}
+    // Reads the workbook again when another program saved it and nothing is pending.
+    virtual void Refresh() {}
+    // Why nothing can be saved ("" when saves are possible): who holds the workbook for editing.
+    virtual std::string ReadOnly() const { return ""; }
 };
 
 // Opens a workbook's sheet as a RecordSource; set by the workbook layer at start-up so that forms/

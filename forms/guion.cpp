@@ -54,7 +54,8 @@ int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const Scre
             return false;
         }
         const std::string& notice = screen->Notice();
-        if (!notice.empty() && (opening || notice != before)) err << "guion: " << where << ": " << notice << "\n";
+        if (!notice.empty() && (opening || notice != before))
+            err << "guion: " << where << ": " << notice << "\n";
         return true;
     };
     while (std::getline(in, raw)) {
@@ -115,7 +116,8 @@ int RunScript(std::istream& in, std::ostream& out, std::ostream& err, const Scre
             }
             if (!workbook(move)) return 1;
         } else {
-            return fail("orden desconocida: \"" + line.verb + "\" (pantalla, escribir, oprimir, libro, registro, mostrar)");
+            return fail("orden desconocida: \"" + line.verb +
+                        "\" (pantalla, escribir, oprimir, libro, registro, mostrar)");
         }
     }
     ended = true;  // the saves from here on belong to no line of the script

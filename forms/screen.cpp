@@ -126,15 +126,17 @@ void Screen::OpenWorkbook(const std::string& path) {
             missing.push_back(c.column);
     notice_.clear();
     save_note_.clear();
+    if (!source_->ReadOnly().empty()) notice_ = source_->ReadOnly();
     if (!missing.empty()) {
+        if (!notice_.empty()) notice_ += " ";
         std::string names;
         const std::size_t shown =
             missing.size() > 8 ? 6 : missing.size();  // a sheet of another kind lacks dozens
         for (std::size_t i = 0; i < shown; ++i) names += (names.empty() ? "\"" : ", \"") + missing[i] + "\"";
         if (shown < missing.size()) names += " y " + std::to_string(missing.size() - shown) + " más";
-        notice_ = "La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene " +
-                  (missing.size() == 1 ? "la columna " : "las columnas ") + names + ": " +
-                  (missing.size() == 1 ? "su cuadro queda sin enlazar." : "sus cuadros quedan sin enlazar.");
+        notice_ += "La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene " +
+                   (missing.size() == 1 ? "la columna " : "las columnas ") + names + ": " +
+                   (missing.size() == 1 ? "su cuadro queda sin enlazar." : "sus cuadros quedan sin enlazar.");
     }
 }
 
@@ -142,6 +144,7 @@ void Screen::Fill() {
     if (!source_) return;
     filling_ = true;
     filled_.clear();
+    not_edits_.clear();
     for (auto& c : controls_) {
         if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;
         c.text = record_ >= 1 ? source_->Get(record_, c.column) : "";  // a sheet without records shows none
@@ -149,18 +152,101 @@ void Screen::Fill() {
     }
     filling_ = false;
     dirty_ = false;
+    version_ = source_->Version();
+}
+
+bool Screen::Resync() {
+    if (!source_) return false;
+    source_->Refresh();
+    if (source_->Version() == version_) return false;
+    version_ = source_->Version();
+    if (record_ > source_->RecordCount()) record_ = source_->RecordCount();
+    bool changed = false;
+    filling_ = true;
+    for (auto& c : controls_) {
+        if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;
+        if (not_edits_.count(c.name)) continue;
+        const std::string now = record_ >= 1 ? source_->Get(record_, c.column) : "";
+        auto it = filled_.find(c.name);
+        if (it == filled_.end()) it = filled_.emplace(c.name, c.text).first;
+        // A box the user changed keeps the user's text; its old value stays the base the save checks.
+        if (c.text == it->second && c.text != now) {
+            c.text = now;
+            changed = true;
+        }
+        if (c.text == now) it->second = now;
+    }
+    filling_ = false;
+    dirty_ = false;
+    for (const auto& [box, text] : filled_)
+        if (Get(box).text != text) dirty_ = true;
+    return changed;
+}
+
+std::string Screen::FormulaOf(std::string_view box) const {
+    const Control* c = Find(box);
+    if (!source_ || !c || c->kind != Kind::TextBox || c->column.empty() || record_ < 1 ||
+        !source_->HasColumn(c->column))
+        return "";
+    return source_->Formula(record_, c->column);
+}
+
+void Screen::DiscardPending() {
+    if (!source_) return;
+    if (record_ > source_->RecordCount()) record_ = source_->RecordCount();
+    Fill();
+}
+
+std::string Screen::ResolveConflict(bool keep_mine) {
+    if (!source_) return "";
+    source_->Resolve(keep_mine);
+    // What another screen saved in this process counts as the base, or replaces the user's text.
+    for (auto& c : controls_) {
+        const auto it = filled_.find(c.name);
+        if (it == filled_.end() || record_ < 1) continue;
+        const std::string now = source_->Get(record_, c.column);
+        if (c.text == it->second || now == it->second) continue;
+        if (keep_mine)
+            it->second = now;
+        else
+            c.text = it->second = now;
+    }
+    dirty_ = false;
+    for (const auto& [box, text] : filled_)
+        if (Get(box).text != text) dirty_ = true;
+    version_ = source_->Version();
+    return SavePending();
 }
 
 void Screen::NotAnEdit(std::string_view name) {
     const auto it = filled_.find(name);
     if (it == filled_.end()) return;
     it->second = Get(name).text;
+    not_edits_.insert(std::string(name));
     dirty_ = false;
     for (const auto& [box, text] : filled_)
         if (Get(box).text != text) dirty_ = true;
 }
 
 void Screen::WriteRecord() {
+    // Another screen on the same workbook may have saved this record since it was shown: a cell it
+    // changed that this screen changed too is a conflict, and nothing is written.
+    std::string clashes;
+    for (const auto& c : controls_) {
+        if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;
+        const auto it = filled_.find(c.name);
+        if (it == filled_.end() || it->second == c.text) continue;
+        const std::string now = source_->Get(record_, c.column);
+        if (now != it->second && now != c.text)
+            clashes += std::string(clashes.empty() ? "" : "; ") + "columna \"" + c.column +
+                       "\": otra ventana guardó " + (now.empty() ? "vacía" : now) +
+                       " y en esta se escribió " + (c.text.empty() ? "vacía" : c.text);
+    }
+    if (!clashes.empty())
+        throw SaveRefused(SaveRefused::Why::Conflict,
+                          "No se pudo guardar el libro \"" + workbook_path_ + "\": en la hoja \"" + sheet_ +
+                              "\", registro " + std::to_string(record_) + ", " + clashes +
+                              ". El valor de esta ventana queda pendiente hasta que elija cuál conservar.");
     for (const auto& c : controls_) {
         if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;
         const auto it = filled_.find(c.name);
@@ -173,10 +259,19 @@ std::string Screen::SavePending() {
     save_note_.clear();
     if (!source_ || !dirty_ || record_ < 1) return save_note_;
     WriteRecord();
+    std::map<std::string, std::string, std::less<>> before;
+    for (const auto& [box, text] : filled_) before[box] = source_->Get(record_, Get(box).column);
     save_note_ = source_->Save();  // throws Fault; the record stays pending and the file as it was
     workbook_path_ = source_->Path();
-    for (const auto& c : controls_)
-        if (filled_.count(c.name)) filled_[c.name] = c.text;
+    // The boxes keep what was typed, and show the cells others saved meanwhile (merged by the save).
+    for (auto& [box, text] : filled_) {
+        Control& c = Mut(box);
+        text = c.text;
+        if (not_edits_.count(box) || record_ > source_->RecordCount()) continue;
+        const std::string now = source_->Get(record_, c.column);
+        if (now != before[box]) c.text = text = now;
+    }
+    version_ = source_->Version();
     dirty_ = false;
     notice_ = save_note_;
     return save_note_;

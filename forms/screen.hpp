@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,7 +21,7 @@
 namespace cauce::forms {
 
 class Screen {
-public:
+  public:
     Screen(std::string name, std::string title);
     virtual ~Screen();
     Screen(const Screen&) = delete;
@@ -44,7 +45,7 @@ public:
     bool HasData() const { return Find("Data1") != nullptr; }
     const std::string& Sheet() const { return sheet_; }
     void OpenWorkbook(const std::string& path);  // shows the first record
-    void MoveTo(int record);                      // 1-based; saves the record left
+    void MoveTo(int record);                     // 1-based; saves the record left
     // The navigator's arrows: at either end of the sheet they stay on its first or last record.
     void MoveFirst() { MoveTo(1); }
     void MovePrevious() { MoveTo(record_ > 1 ? record_ - 1 : 1); }
@@ -56,7 +57,18 @@ public:
     std::string RecordPosition() const;
     bool Dirty() const { return dirty_; }
     // Saves the current record's pending edits (closing the screen, "Salir"); returns the save's note.
+    // Throws Fault; a SaveRefused leaves the edits pending (see ResolveConflict, DiscardPending).
     std::string SavePending();
+    // After a save refused over a cell changed on both sides: keep_mine writes this screen's values
+    // over the others', otherwise the boxes take the saved values; then saves what remains pending.
+    std::string ResolveConflict(bool keep_mine);
+    // Drops the pending edits of the record: the boxes show it as saved.
+    void DiscardPending();
+    // Shows what another screen or program saved in the current record, keeping the boxes the user
+    // changed; true when a box changed.
+    bool Resync();
+    // The formula feeding a bound box ("=AI3"), "" when its cell holds none.
+    std::string FormulaOf(std::string_view box) const;
     // The file behind Data1 (the .xlsx written beside a legacy .xls once it has been saved).
     const std::string& WorkbookPath() const { return workbook_path_; }
     const RecordSource* Source() const { return source_.get(); }
@@ -66,7 +78,7 @@ public:
     // sheet lacks (their boxes stay unbound) after opening, the save's note after saving.
     const std::string& Notice() const { return notice_; }
 
-protected:
+  protected:
     void Add(Control c);
     void Set(std::string_view name, std::string text);  // a handler writes a box, label or picture
     const std::string& Text(std::string_view name) const { return Get(name).text; }
@@ -79,7 +91,7 @@ protected:
     // must not overwrite the user's data when the record is left.
     void NotAnEdit(std::string_view name);
 
-private:
+  private:
     Control& Mut(std::string_view name);
     void Fill();
     void WriteRecord();
@@ -102,6 +114,8 @@ private:
     // Text of each bound box as the current record filled it: only boxes changed since are written
     // back, so that of two boxes bound to one column ("Abscisa9") the one edited wins.
     std::map<std::string, std::string, std::less<>> filled_;
+    std::set<std::string, std::less<>> not_edits_;  // boxes NotAnEdit marked since the record was shown
+    std::uint64_t version_ = 0;                     // the source's Version when the boxes were filled
 };
 
 }  // namespace cauce::forms

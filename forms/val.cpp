@@ -10,8 +10,12 @@ namespace cauce::forms {
 
 namespace {
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 double RadixValue(std::string_view s, std::size_t pos, int radix) {
     double v = 0;
@@ -103,7 +107,8 @@ double Val(std::string_view s) {
 
 int CInt(double x) {
     const double r = std::nearbyint(x);  // the default rounding mode: half to even
-    if (!(r >= -32768.0 && r <= 32767.0)) raise("Desbordamiento: el número entero debe estar entre -32768 y 32767");
+    if (!(r >= -32768.0 && r <= 32767.0))
+        raise("Desbordamiento: el número entero debe estar entre -32768 y 32767");
     return static_cast<int>(r);
 }
 

@@ -33,7 +33,8 @@ std::string NumberText(double x) {
     } else if (static_cast<int>(digits.size()) <= exp10 + 1) {
         text = digits + std::string(static_cast<std::size_t>(exp10 + 1) - digits.size(), '0');
     } else {
-        text = digits.substr(0, static_cast<std::size_t>(exp10 + 1)) + "." + digits.substr(static_cast<std::size_t>(exp10 + 1));
+        text = digits.substr(0, static_cast<std::size_t>(exp10 + 1)) + "." +
+               digits.substr(static_cast<std::size_t>(exp10 + 1));
     }
     return x < 0 ? "-" + text : text;
 }

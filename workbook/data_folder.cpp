@@ -21,10 +21,11 @@ std::string Lower(std::string s) {
     return s;
 }
 
-// The workbook stem a legacy fixed path stands for, "" for any other path.
-std::string LegacyStem(const std::string& path) {
+// The workbook stem a legacy fixed path stands for, "" for any other path. The bare "rios.xls" of
+// Form5 counts only as the screen's own path: typed by the user it is a file of the working folder.
+std::string LegacyStem(const std::string& path, bool screens_own) {
     const std::string p = Lower(path);
-    if (p == "c:\\programas\\datos\\rios.xls" || p == "rios.xls") return "Rios";
+    if (p == "c:\\programas\\datos\\rios.xls" || (screens_own && p == "rios.xls")) return "Rios";
     if (p == "c:\\ormandi\\ormandi.xls") return "Ormandi";
     return "";
 }
@@ -87,13 +88,10 @@ std::string LegacyWorkbookPath(std::string_view screen) {
     return "";
 }
 
-std::string DefaultWorkbook(std::string_view screen) {
-    const std::string legacy = LegacyWorkbookPath(screen);
-    return legacy.empty() ? "" : ResolveWorkbookPath(legacy).string();
-}
+namespace {
 
-fs::path ResolveWorkbookPath(const std::string& path) {
-    const std::string stem = LegacyStem(path);
+fs::path Resolve(const std::string& path, bool screens_own) {
+    const std::string stem = LegacyStem(path, screens_own);
     if (stem.empty()) return fs::absolute(path);
     const fs::path folder = EnsureFolder();
     for (int pass = 0; pass < 2; ++pass) {
@@ -102,6 +100,17 @@ fs::path ResolveWorkbookPath(const std::string& path) {
         if (pass == 0) InstallExamples();
     }
     return folder / (stem + ".xlsx");  // no example of that name: "not found" names this file
+}
+
+}  // namespace
+
+std::string DefaultWorkbook(std::string_view screen) {
+    const std::string legacy = LegacyWorkbookPath(screen);
+    return legacy.empty() ? "" : Resolve(legacy, true).string();
+}
+
+fs::path ResolveWorkbookPath(const std::string& path) {
+    return Resolve(path, false);
 }
 
 }  // namespace cauce::workbook

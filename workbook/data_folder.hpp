@@ -16,8 +16,9 @@ namespace cauce::workbook {
 
 std::filesystem::path DataFolder();
 
-// The file a path given to Data1 names: a legacy name as above, any other path as it is, a relative
-// one from the working folder. Throws Fault when the data folder cannot be made.
+// The file a path given to Data1 names: the legacy absolute paths as above, any other path as it
+// is, a relative one from the working folder ("rios.xls" typed by the user is the working folder's).
+// Throws Fault when the data folder cannot be made.
 std::filesystem::path ResolveWorkbookPath(const std::string& path);
 
 // The fixed path the legacy screen used for its workbook: "C:\Programas\Datos\Rios.xls" for Form2, Form4

@@ -1,6 +1,8 @@
 #include "workbook/formula.hpp"
 
+#include <algorithm>
 #include <cctype>
+#include <cmath>
 
 #include "workbook/limits.hpp"
 #include "workbook/ref.hpp"
@@ -109,6 +111,163 @@ std::string ShiftFormula(const std::string& f, int rows, int cols) {
         i = j;
     }
     return out;
+}
+
+}  // namespace cauce::workbook
+
+namespace cauce::workbook {
+
+namespace {
+
+class Evaluator {
+  public:
+    Evaluator(const std::string& f, const CellNumber& cell) : f_(f), cell_(cell) {}
+
+    std::optional<double> Run() {
+        auto v = Sum();
+        Blank();
+        if (!v || i_ != f_.size() || !std::isfinite(*v)) return std::nullopt;
+        return v;
+    }
+
+  private:
+    void Blank() {
+        while (i_ < f_.size() && f_[i_] == ' ') ++i_;
+    }
+    bool Eat(char c) {
+        Blank();
+        if (i_ < f_.size() && f_[i_] == c) return ++i_, true;
+        return false;
+    }
+    std::optional<double> Sum() {
+        auto v = Product();
+        while (v) {
+            if (Eat('+')) {
+                const auto r = Product();
+                v = r ? std::optional(*v + *r) : std::nullopt;
+            } else if (Eat('-')) {
+                const auto r = Product();
+                v = r ? std::optional(*v - *r) : std::nullopt;
+            } else {
+                break;
+            }
+        }
+        return v;
+    }
+    std::optional<double> Product() {
+        auto v = Unary();
+        while (v) {
+            if (Eat('*')) {
+                const auto r = Unary();
+                v = r ? std::optional(*v * *r) : std::nullopt;
+            } else if (Eat('/')) {
+                const auto r = Unary();
+                v = r && *r != 0 ? std::optional(*v / *r) : std::nullopt;
+            } else {
+                break;
+            }
+        }
+        return v;
+    }
+    std::optional<double> Unary() {
+        if (Eat('-')) {
+            const auto v = Unary();
+            return v ? std::optional(-*v) : std::nullopt;
+        }
+        if (Eat('+')) return Unary();
+        if (Eat('(')) {
+            const auto v = Sum();
+            return v && Eat(')') ? v : std::nullopt;
+        }
+        Blank();
+        if (i_ < f_.size() && (std::isdigit(static_cast<unsigned char>(f_[i_])) || f_[i_] == '.')) {
+            std::size_t used = 0;
+            try {
+                const double x = std::stod(f_.substr(i_), &used);
+                i_ += used;
+                return x;
+            } catch (...) {
+                return std::nullopt;
+            }
+        }
+        if (f_.compare(i_, 4, "SUM(") == 0) {
+            i_ += 4;
+            double total = 0;
+            do {
+                const auto v = Range();
+                if (!v) return std::nullopt;
+                total += *v;
+            } while (Eat(','));
+            return Eat(')') ? std::optional(total) : std::nullopt;
+        }
+        return Range(/*single=*/true);
+    }
+    // A reference or a range; the sum of its cells (blank ones count 0).
+    std::optional<double> Range(bool single = false) {
+        Blank();
+        std::string sheet;
+        if (i_ < f_.size() && f_[i_] == '\'') {
+            for (++i_; i_ < f_.size(); ++i_) {
+                if (f_[i_] == '\'' && i_ + 1 < f_.size() && f_[i_ + 1] == '\'') {
+                    sheet += '\'';
+                    ++i_;
+                } else if (f_[i_] == '\'') {
+                    break;
+                } else {
+                    sheet += f_[i_];
+                }
+            }
+            if (i_ >= f_.size() || f_[++i_ - 1] != '\'' || !Eat('!')) return std::nullopt;
+        } else {
+            const std::size_t bang = f_.find('!', i_);
+            std::size_t end = i_;
+            while (end < f_.size() && (std::isalnum(static_cast<unsigned char>(f_[end])) || f_[end] == '_' ||
+                                       f_[end] == '.' || static_cast<unsigned char>(f_[end]) >= 0x80))
+                ++end;
+            if (bang == end && end > i_) {
+                sheet = f_.substr(i_, end - i_);
+                i_ = end + 1;
+            }
+        }
+        const auto a = Ref();
+        if (!a) return std::nullopt;
+        CellRef b = *a;
+        if (!single && Eat(':')) {
+            const auto r = Ref();
+            if (!r) return std::nullopt;
+            b = *r;
+        }
+        const int r1 = std::min(a->row, b.row), r2 = std::max(a->row, b.row);
+        const int c1 = std::min(a->col, b.col), c2 = std::max(a->col, b.col);
+        if (static_cast<long long>(r2 - r1 + 1) * (c2 - c1 + 1) > 100000) return std::nullopt;
+        double total = 0;
+        for (int r = r1; r <= r2; ++r)
+            for (int c = c1; c <= c2; ++c) {
+                const auto v = cell_(sheet, r, c);
+                if (!v) return std::nullopt;
+                total += *v;
+            }
+        return total;
+    }
+    std::optional<CellRef> Ref() {
+        Blank();
+        std::size_t end = i_;
+        while (end < f_.size() && (std::isalnum(static_cast<unsigned char>(f_[end])) || f_[end] == '$'))
+            ++end;
+        const auto ref = ParseRef(std::string_view(f_).substr(i_, end - i_));
+        if (ref) i_ = end;
+        return ref;
+    }
+
+    const std::string& f_;
+    const CellNumber& cell_;
+    std::size_t i_ = 0;
+};
+
+}  // namespace
+
+std::optional<double> EvaluateFormula(const std::string& formula, const CellNumber& cell) {
+    return Evaluator(formula, cell).Run();
 }
 
 }  // namespace cauce::workbook

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <set>
 
 #include "hydraulics/fault.hpp"
 #include "workbook/formula.hpp"
@@ -139,6 +140,22 @@ Cell Sheet::Get(int row, int col) const {
 
 bool Sheet::IsFormula(int row, int col) const {
     return formulas_.count({row, col}) > 0;
+}
+
+std::string Sheet::FormulaText(int row, int col) const {
+    if (!formulas_.count({row, col})) return "";
+    const pugi::xml_node f = Child(nodes_.at({row, col}), "f");
+    const std::string text = f.text().get();
+    if (!text.empty() || std::string_view(f.attribute("t").value()) != "shared") return text;
+    // A shared formula's other cells: the text of the cell that holds it, moved by the distance.
+    const std::string si = f.attribute("si").value();
+    for (const auto& [key, is_formula] : formulas_) {
+        const pugi::xml_node g = Child(nodes_.at(key), "f");
+        if (std::string_view(g.attribute("t").value()) == "shared" && si == g.attribute("si").value() &&
+            g.attribute("ref") && *g.text().get())
+            return ShiftFormula(g.text().get(), row - key.first, col - key.second);
+    }
+    return "";
 }
 
 void Sheet::NumberRows() {
@@ -282,6 +299,42 @@ void Sheet::Set(int row, int col, const Cell& value) {
 
 std::string Sheet::Xml() {
     return WriteXml(doc_);
+}
+
+void Sheet::KeepResults(const Sheet& old) {
+    for (const auto& [key, is_formula] : formulas_) {
+        if (values_.count(key) ||
+            old.FormulaText(key.first, key.second) != FormulaText(key.first, key.second))
+            continue;
+        const Cell c = old.Get(key.first, key.second);
+        if (!IsEmpty(c)) values_[key] = c;
+    }
+}
+
+std::string Sheet::XmlWithoutCachedResults() const {
+    pugi::xml_document copy;
+    copy.reset(doc_);
+    // The copy's cells in the same order as the original's: walk both trees side by side.
+    std::set<const void*> formula_cells;
+    for (const auto& [key, is_formula] : formulas_) formula_cells.insert(nodes_.at(key).internal_object());
+    std::vector<pugi::xml_node> strip;
+    struct Walk {
+        const std::set<const void*>& want;
+        std::vector<pugi::xml_node>& out;
+        void operator()(pugi::xml_node a, pugi::xml_node b) const {
+            for (; a && b; a = a.next_sibling(), b = b.next_sibling()) {
+                if (want.count(a.internal_object())) out.push_back(b);
+                (*this)(a.first_child(), b.first_child());
+            }
+        }
+    };
+    Walk{formula_cells, strip}(doc_.first_child(), copy.first_child());
+    for (pugi::xml_node c : strip) {
+        RemoveChildren(c, "v");
+        // The cell's type described the result that is no longer there.
+        RemoveAttributes(c, "t");
+    }
+    return WriteXml(copy);
 }
 
 }  // namespace cauce::workbook

@@ -27,6 +27,9 @@ class Sheet {
     // The value of a cell (rows and columns from 1); a formula's cached value.
     Cell Get(int row, int col) const;
     bool IsFormula(int row, int col) const;
+    // The formula's text as stored ("SUM(A1:A3)", no "="); "" for a cell without one. A cell of a
+    // shared formula that does not hold its text gets it shifted from the cell that does.
+    std::string FormulaText(int row, int col) const;
     // Sets a cell; a formula it held is replaced by the value.
     void Set(int row, int col, const Cell& value);
 
@@ -37,6 +40,12 @@ class Sheet {
     bool HasFormulas() const { return !formulas_.empty(); }
     bool RemovedFormula() const { return removed_formula_; }
     std::string Xml();
+    // The sheet's XML with the cached results of its formulas left out: spreadsheet programs then
+    // compute them on opening, whatever their settings.
+    std::string XmlWithoutCachedResults() const;
+    // The results of formulas read without one take those of the same formulas in old, the sheet
+    // this one was written from.
+    void KeepResults(const Sheet& old);
 
   private:
     pugi::xml_node RowNode(int row);

@@ -1,10 +1,14 @@
 #include "workbook/workbook.hpp"
 
+#include "forms/binding.hpp"
 #include "hydraulics/fault.hpp"
 #include "platform/platform.hpp"
+#include "workbook/formula.hpp"
 #include "workbook/legacy.hpp"
 #include "workbook/limits.hpp"
+#include "workbook/lock_file.hpp"
 #include "workbook/package.hpp"
+#include "workbook/ref.hpp"
 #include "workbook/save_file.hpp"
 #include "workbook/xml.hpp"
 
@@ -150,7 +154,15 @@ std::unique_ptr<Workbook> Workbook::FromBytes(std::string bytes, std::string fil
     return std::unique_ptr<Workbook>(new Workbook(Load(std::move(bytes), std::move(file))));
 }
 
-std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
+FileIdentity IdentityOf(const fs::path& path) {
+    try {
+        return platform::Identify(path);
+    } catch (const platform::Error&) {
+        return {};  // cannot be looked at: as if absent; reading it then says why
+    }
+}
+
+std::string ReadWorkbookFile(const fs::path& path) {
     const std::string file = path.string();
     auto fail = [&](const std::string& why) { raise(why + " El archivo no se modificó."); };
     platform::FileIdentity st;
@@ -178,9 +190,21 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
              ".");
     }
     if (bytes.size() > kMaxFileBytes) fail("El libro \"" + file + "\" es demasiado grande.");
+    return bytes;
+}
 
-    static const char kZip[] = "PK\x03\x04";
-    static const char kCompound[] = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+namespace {
+
+const char kZip[] = "PK\x03\x04";
+const char kCompound[] = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+
+}  // namespace
+
+std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
+    const std::string file = path.string();
+    // The identity first: a save by another program while the file is read shows at the next save.
+    FileIdentity id = IdentityOf(path);
+    std::string bytes = ReadWorkbookFile(path);
     std::unique_ptr<Workbook> wb;
     if (bytes.empty()) {
         raise("\"" + file + "\" está vacío: no es un libro de Excel. El archivo no se modificó.");
@@ -196,8 +220,7 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
         raise("\"" + file + "\" no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.");
     }
     wb->on_disk_ = true;
-    wb->disk_size_ = st.size;
-    wb->disk_mtime_ = st.mtime_ns;
+    wb->disk_ = id;
     return wb;
 }
 
@@ -227,7 +250,12 @@ std::string Workbook::Bytes() {
     for (const auto& sh : s_->sheets) {
         formulas = formulas || sh->HasFormulas();
         removed_formula = removed_formula || sh->RemovedFormula();
-        if (sh->Modified()) replaced[sh->Part()] = sh->Xml();
+        // Cached results may now be stale, and some programs show them rather than compute: a
+        // formula without one is computed on opening by every spreadsheet program.
+        if (sh->HasFormulas())
+            replaced[sh->Part()] = sh->XmlWithoutCachedResults();
+        else if (sh->Modified())
+            replaced[sh->Part()] = sh->Xml();
     }
     pugi::xml_node book = s_->book.document_element();
     if (formulas) {
@@ -278,11 +306,166 @@ std::string Workbook::Bytes() {
     return s_->pkg->Write(replaced, removed);
 }
 
+void Workbook::Set(const std::string& sheet, int row, int col, const Cell& value) {
+    Sheet* sh = FindSheet(sheet);
+    if (!sh) raise("La hoja \"" + sheet + "\" ya no está en el libro \"" + path_ + "\".");
+    const auto key = std::make_tuple(sheet, row, col);
+    auto it = edits_.find(key);
+    if (it == edits_.end())
+        it = edits_.emplace(key, CellEdit{sheet, row, col, sh->Get(row, col), sh->FormulaText(row, col), {}})
+                 .first;
+    sh->Set(row, col, value);
+    it->second.value = sh->Get(row, col);
+}
+
+std::optional<Cell> Workbook::Computed(const std::string& sheet, int row, int col, int depth) {
+    Sheet* sh = FindSheet(sheet);
+    const std::string formula = sh ? sh->FormulaText(row, col) : "";
+    if (formula.empty() || depth > 16) return std::nullopt;  // a deeper chain (or a cycle): the cached result
+    const auto v =
+        EvaluateFormula(formula, [&](const std::string& other, int r, int c) -> std::optional<double> {
+            const std::string name = other.empty() ? sheet : other;
+            Sheet* o = FindSheet(name);
+            if (!o) return std::nullopt;
+            if (!o->FormulaText(r, c).empty()) {
+                const auto x = Computed(name, r, c, depth + 1);
+                return x && x->kind == CellKind::Number ? std::optional(x->number) : std::nullopt;
+            }
+            const Cell cell = o->Get(r, c);
+            if (cell.kind == CellKind::Empty) return 0.0;
+            return cell.kind == CellKind::Number ? std::optional(cell.number) : std::nullopt;
+        });
+    return v ? std::optional(Cell::Num(*v)) : std::nullopt;
+}
+
+const std::vector<CellEdit> Workbook::Edits() const {
+    std::vector<CellEdit> out;
+    for (const auto& [key, e] : edits_) out.push_back(e);
+    return out;
+}
+
+namespace {
+
+// "registro 3, columna "Caudal"" by the sheet's header row (its first row holding anything).
+std::string CellPlace(const Sheet& sh, int row, int col) {
+    const auto& values = sh.Values();
+    const int header = values.empty() ? 0 : values.begin()->first.first;
+    const std::string name = DisplayText(sh.Get(header, col));
+    if (row > header && !name.empty())
+        return "registro " + std::to_string(row - header) + ", columna \"" + name + "\"";
+    return "celda " + RefName(row, col);
+}
+
+std::string Shown(const Cell& c, const std::string& formula) {
+    if (!formula.empty()) return "la fórmula =" + formula;
+    const std::string t = DisplayText(c);
+    return t.empty() ? "vacía" : t;
+}
+
+}  // namespace
+
+void Workbook::Rebase(Clash clash) {
+    // The identity before the bytes: a save that lands while reading is seen at the next look.
+    const FileIdentity id = IdentityOf(path_);
+    std::string bytes = ReadWorkbookFile(path_);
+    if (bytes.compare(0, 4, kZip, 4) != 0)
+        raise("No se pudo guardar el libro \"" + path_ +
+              "\": otro programa lo reemplazó por un archivo que no es un libro .xlsx. El archivo no se "
+              "modificó; sus cambios quedan pendientes.");
+    auto fresh = Load(std::move(bytes), path_);
+    std::vector<std::string> clashes;
+    for (auto it = edits_.begin(); it != edits_.end();) {
+        CellEdit& e = it->second;
+        Sheet* sh = nullptr;
+        for (const auto& s : fresh->sheets)
+            if (s->Name() == e.sheet) sh = s.get();
+        if (!sh)
+            throw(forms::SaveRefused(forms::SaveRefused::Why::Conflict,
+                                     "No se pudo guardar el libro \"" + path_ +
+                                         "\": otro programa quitó la hoja \"" + e.sheet +
+                                         "\", que tiene cambios de Cauce. El archivo no se modificó; sus "
+                                         "cambios quedan pendientes."));
+        const Cell disk = sh->Get(e.row, e.col);
+        const std::string disk_formula = sh->FormulaText(e.row, e.col);
+        const bool untouched =
+            e.base_formula.empty() ? disk_formula.empty() && disk == e.base : disk_formula == e.base_formula;
+        const bool same = disk_formula.empty() && disk == e.value;
+        if (!untouched && !same) {
+            if (clash == Clash::Refuse) {
+                clashes.push_back("en la hoja \"" + e.sheet + "\", " + CellPlace(*sh, e.row, e.col) +
+                                  ", otro programa guardó " + Shown(disk, disk_formula) +
+                                  " y en Cauce se escribió " + Shown(e.value, ""));
+            } else if (clash == Clash::TakeTheirs) {
+                it = edits_.erase(it);
+                continue;
+            } else {
+                e.base = disk;
+                e.base_formula = disk_formula;
+            }
+        }
+        ++it;
+    }
+    if (!clashes.empty()) {
+        std::string list;
+        for (std::size_t i = 0; i < clashes.size() && i < 3; ++i) list += (i ? "; " : "") + clashes[i];
+        if (clashes.size() > 3) list += "; y " + std::to_string(clashes.size() - 3) + " celdas más";
+        throw(
+            forms::SaveRefused(forms::SaveRefused::Why::Conflict,
+                               "No se pudo guardar el libro \"" + path_ + "\": " + list +
+                                   ". El archivo no se modificó; el valor de Cauce queda pendiente hasta que "
+                                   "elija cuál conservar."));
+    }
+    for (const auto& [key, e] : edits_)
+        for (const auto& s : fresh->sheets)
+            if (s->Name() == e.sheet) s->Set(e.row, e.col, e.value);
+    s_ = std::move(fresh);
+    disk_ = id;
+    ++version_;
+}
+
+void Workbook::HoldForEditing() {
+    if (on_disk_ && !legacy_ && !edit_lock_) edit_lock_ = std::make_unique<EditLock>(path_);
+}
+
+std::string Workbook::ReadOnly() const {
+    return edit_lock_ && !legacy_ ? edit_lock_->Holder() : "";
+}
+
+void Workbook::Resolve(bool keep_mine) {
+    if (!on_disk_ || legacy_) return;
+    Rebase(keep_mine ? Clash::KeepMine : Clash::TakeTheirs);
+}
+
+bool Workbook::Refresh() {
+    if (!on_disk_ || legacy_ || !edits_.empty() || Modified()) return false;
+    const FileIdentity now = IdentityOf(path_);
+    if (!now.Exists() || now == disk_) return false;
+    try {
+        Rebase(Clash::Refuse);
+    } catch (const Fault&) {
+        return false;  // the next save says what is wrong
+    }
+    return true;
+}
+
 std::string Workbook::Save() {
     if (!Modified()) return "";
     if (!on_disk_) raise("El libro \"" + path_ + "\" no está en el disco: no se puede guardar.");
+    if (edit_lock_ && !legacy_ && !edit_lock_->Retake())
+        throw(forms::SaveRefused(forms::SaveRefused::Why::Locked,
+                                 edit_lock_->Holder() + " Sus cambios no se guardaron; quedan pendientes."));
     std::string note;
+    // Formulas the user's values replace.
+    for (const auto& [key, e] : edits_)
+        if (!e.base_formula.empty() && e.value.kind != CellKind::Empty) {
+            if (!note.empty()) note += " ";
+            const Sheet* sh = FindSheet(e.sheet);
+            note += "Se reemplazó la fórmula =" + e.base_formula + " de la hoja \"" + e.sheet + "\" (" +
+                    (sh ? CellPlace(*sh, e.row, e.col) : RefName(e.row, e.col)) + ") por el valor " +
+                    DisplayText(e.value) + ".";
+        }
     fs::path target = path_;
+    std::string bytes;
     if (legacy_) {
         // The old file stays as it is; the changes go to an .xlsx of the same name beside it.
         target.replace_extension(".xlsx");
@@ -294,32 +477,38 @@ std::string Workbook::Save() {
         note = "El libro \"" + path_ +
                "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se "
                "guardaron en \"" +
-               target.string() + "\": " + LegacyLosses(legacy_omitted_) + ".";
+               target.string() + "\": " + LegacyLosses(legacy_omitted_) + "." +
+               (note.empty() ? "" : " " + note);
+        bytes = Bytes();
+        ReplaceFile(target, bytes);
     } else {
-        platform::FileIdentity st;
-        try {
-            st = platform::Identify(path_);
-        } catch (const platform::Error&) {
+        // Another program's save since the file was read is merged cell by cell; the identity is
+        // looked at again right before the replacement, so a save that lands meanwhile is merged too.
+        // Saves of other Cauce processes wait for this one.
+        SaveLock lock(path_);
+        for (int attempt = 0;; ++attempt) {
+            const FileIdentity now = IdentityOf(path_);
+            if (now.Exists() && !(now == disk_)) Rebase(Clash::Refuse);
+            bytes = Bytes();
+            if (IdentityOf(path_) == now) break;
+            if (attempt == 20)
+                raise("No se pudo guardar el libro \"" + path_ +
+                      "\": otro programa lo está escribiendo sin parar. El libro no se modificó; sus cambios "
+                      "quedan pendientes.");
         }
-        const long long mtime = st.Exists() ? st.mtime_ns : -1;
-        if (mtime != disk_mtime_ || st.size != disk_size_)
-            raise("No se pudo guardar el libro \"" + path_ +
-                  "\": otro programa lo cambió después de que Cauce lo "
-                  "abriera. El libro no se modificó; ábralo de nuevo en Cauce para seguir.");
+        ReplaceFile(target, bytes);
     }
-    std::string bytes = Bytes();
-    ReplaceFile(target, bytes);
     // From now on the workbook is the file just written.
-    s_ = Load(std::move(bytes), target.string());
+    auto written = Load(std::move(bytes), target.string());
+    // Formula results were left out of the file; the ones known here stay shown.
+    for (const auto& sh : written->sheets)
+        if (Sheet* old = FindSheet(sh->Name()); old && sh->HasFormulas()) sh->KeepResults(*old);
+    s_ = std::move(written);
     path_ = target.string();
     legacy_ = false;
-    try {
-        if (const auto st = platform::Identify(path_); st.Exists()) {
-            disk_size_ = st.size;
-            disk_mtime_ = st.mtime_ns;
-        }
-    } catch (const platform::Error&) {
-    }
+    disk_ = IdentityOf(path_);
+    edits_.clear();
+    ++version_;
     return note;
 }
 

@@ -20,19 +20,32 @@ bool HasDoctype(const pugi::xml_node& doc) {
 // What the parser found wrong, in the user's words (pugixml describes it in English).
 std::string Problem(pugi::xml_parse_status status) {
     switch (status) {
-        case pugi::status_out_of_memory: return "no hay memoria suficiente para leerla";
-        case pugi::status_unrecognized_tag: return "una etiqueta no se reconoce";
-        case pugi::status_bad_pi: return "una declaración o instrucción de proceso está mal formada";
-        case pugi::status_bad_comment: return "un comentario está mal formado";
-        case pugi::status_bad_cdata: return "una sección CDATA está mal formada";
-        case pugi::status_bad_doctype: return "una declaración de tipo de documento está mal formada";
-        case pugi::status_bad_pcdata: return "un texto está mal formado";
-        case pugi::status_bad_start_element: return "una etiqueta de apertura está mal formada";
-        case pugi::status_bad_attribute: return "un atributo está mal formado";
-        case pugi::status_bad_end_element: return "una etiqueta de cierre está mal formada";
-        case pugi::status_end_element_mismatch: return "una etiqueta de cierre no corresponde a la que abre";
-        case pugi::status_no_document_element: return "no tiene elemento raíz";
-        default: return "error de lectura número " + std::to_string(static_cast<int>(status));
+        case pugi::status_out_of_memory:
+            return "no hay memoria suficiente para leerla";
+        case pugi::status_unrecognized_tag:
+            return "una etiqueta no se reconoce";
+        case pugi::status_bad_pi:
+            return "una declaración o instrucción de proceso está mal formada";
+        case pugi::status_bad_comment:
+            return "un comentario está mal formado";
+        case pugi::status_bad_cdata:
+            return "una sección CDATA está mal formada";
+        case pugi::status_bad_doctype:
+            return "una declaración de tipo de documento está mal formada";
+        case pugi::status_bad_pcdata:
+            return "un texto está mal formado";
+        case pugi::status_bad_start_element:
+            return "una etiqueta de apertura está mal formada";
+        case pugi::status_bad_attribute:
+            return "un atributo está mal formado";
+        case pugi::status_bad_end_element:
+            return "una etiqueta de cierre está mal formada";
+        case pugi::status_end_element_mismatch:
+            return "una etiqueta de cierre no corresponde a la que abre";
+        case pugi::status_no_document_element:
+            return "no tiene elemento raíz";
+        default:
+            return "error de lectura número " + std::to_string(static_cast<int>(status));
     }
 }
 

@@ -409,7 +409,7 @@ TEST_F(WorkbookTest, SaveCutShortBeforeTheRenameLeavesTheOldWorkbookWhole) {
     EXPECT_EQ(FileCount(Dir()), 1u);
 }
 
-TEST_F(WorkbookTest, WorkbookChangedByAnotherProgramIsNotOverwritten) {
+TEST_F(WorkbookTest, ACellChangedByAnotherProgramTooIsNotOverwritten) {
     const fs::path file = Dir() / "rio.xlsx";
     fs::copy_file(kRios, file);
     workbook::SheetRecords rec(workbook::Workbook::Open(file), "Persecc");
@@ -420,10 +420,12 @@ TEST_F(WorkbookTest, WorkbookChangedByAnotherProgramIsNotOverwritten) {
         rec.Save();
         FAIL() << "saved over another program's changes";
     } catch (const Fault& f) {
-        EXPECT_EQ(std::string(f.what()),
-                  "No se pudo guardar el libro " + Q(file) +
-                      ": otro programa lo cambió después de que Cauce lo abriera. El libro no "
-                      "se modificó; ábralo de nuevo en Cauce para seguir.");
+        EXPECT_EQ(
+            std::string(f.what()),
+            "No se pudo guardar el libro " + Q(file) +
+                ": en la hoja \"Persecc\", registro 1, columna \"Caudal\", otro programa guardó 39 y en "
+                "Cauce se escribió 40. El archivo no se modificó; el valor de Cauce queda pendiente hasta "
+                "que elija cuál conservar.");
     }
     EXPECT_EQ(Slurp(file), theirs);
 }

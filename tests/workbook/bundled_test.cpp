@@ -101,10 +101,12 @@ TEST_F(WorkbookTest, LegacyPathsMapOntoTheDataFolderWithoutOverwritingAnything) 
     EXPECT_EQ(workbook::ResolveWorkbookPath("C:\\Programas\\Datos\\Rios.xls"), datos / "Rios.xlsx");
     EXPECT_EQ(Slurp(datos / "Rios.xlsx"), Slurp(fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx"));
     EXPECT_EQ(Slurp(datos / "Ormandi.xlsx"), Slurp(fs::path(CAUCE_EXAMPLES_DIR) / "Ormandi.xlsx"));
-    // Any case, either slash; "rios.xls" of the natural uniform-flow screen too.
-    for (const char* p :
-         {"c:\\programas\\datos\\RIOS.XLS", "C:/Programas/Datos/Rios.xls", "rios.xls", "RIOS.xls"})
+    // Any case, either slash; "rios.xls" only as the natural uniform-flow screen's own path: typed,
+    // it is the working folder's file.
+    for (const char* p : {"c:\\programas\\datos\\RIOS.XLS", "C:/Programas/Datos/Rios.xls"})
         EXPECT_EQ(workbook::ResolveWorkbookPath(p), datos / "Rios.xlsx") << p;
+    EXPECT_EQ(workbook::DefaultWorkbook("Form5"), (datos / "Rios.xlsx").string());
+    EXPECT_EQ(workbook::ResolveWorkbookPath("RIOS.xls"), Dir() / "RIOS.xls");
     EXPECT_EQ(workbook::ResolveWorkbookPath("C:\\Ormandi\\Ormandi.xls"), datos / "Ormandi.xlsx");
     // Other paths are the user's: a relative one from the working folder.
     EXPECT_EQ(workbook::ResolveWorkbookPath("mis/rio.xlsx"), Dir() / "mis" / "rio.xlsx");

@@ -98,7 +98,10 @@ TEST_P(HandWritten, EditsKeepFormulasChainAndUntouchedPartsCoherent) {
         rec.Set(2, "Texto", "");          // a formula cell cleared
         rec.Set(2, "Extra", "nuevo");     // a new cell in the row whose cells carry no references
         rec.Set(1, "Caudal", "12.5");     // unchanged text: the cell is left alone
-        EXPECT_EQ(rec.Save(), "");
+        EXPECT_EQ(
+            rec.Save(),
+            "Se reemplazó la fórmula =C2*2 de la hoja \"Persecc\" (registro 1, columna \"Doble\") por el "
+            "valor 30.");
     }
     std::string out;
     ASSERT_EQ(Libros("formulas " + file_.string() + " Persecc", &out), 0) << out;

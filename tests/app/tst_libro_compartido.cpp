@@ -1,0 +1,143 @@
+// Desktop windows sharing one real workbook: they edit, save and navigate in turn and nothing is
+// lost; a cell changed in two windows is settled by the user's choice; a box fed by a formula is
+// marked and asks before its formula is replaced.
+#include <QAbstractButton>
+#include <QLineEdit>
+#include <QToolButton>
+#include <QtTest>
+#include <cstdlib>
+#include <filesystem>
+
+#include "app/desktop.hpp"
+#include "app/navigator.hpp"
+#include "app/screen_view.hpp"
+#include "app/screen_window.hpp"
+#include "screens/profile_screen.hpp"
+#include "support.hpp"
+#include "workbook/install.hpp"
+#include "workbook/records.hpp"
+#include "workbook/workbook.hpp"
+
+using namespace cauce;
+using namespace cauce::apptest;
+namespace profile = cauce::screens::profile;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string CellOf(const fs::path& file, const std::string& sheet, int record, const std::string& column) {
+    return workbook::SheetRecords(workbook::Workbook::Open(file), sheet).Get(record, column);
+}
+
+}  // namespace
+
+class LibroCompartido : public QObject {
+    Q_OBJECT
+    fs::path dir_, file_;
+
+  private slots:
+    void init() {
+        dir_ = fs::temp_directory_path() /
+               ("cauce-libro-compartido-" + std::to_string(QCoreApplication::applicationPid()));
+        fs::remove_all(dir_);
+        fs::create_directories(dir_);
+        file_ = dir_ / "Rios.xlsx";
+        fs::copy_file(fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx", file_);
+        workbook::Install();
+    }
+    void cleanup() { fs::remove_all(dir_); }
+
+    void windowsEditSaveAndNavigateInTurn() {
+        RecordingPrompter prompter;
+        {
+            app::Desktop desktop(prompter, [&](std::string_view) { return file_.string(); });
+            app::ScreenWindow* form2 = desktop.Open("Form2");
+            app::ScreenWindow* form4 = desktop.Open("Form4");
+            app::ScreenWindow* other = desktop.Open("Form2");
+            auto next = [](app::ScreenWindow* w) {
+                QTest::mouseClick(w->View()->DataNavigator()->Next(), Qt::LeftButton);
+            };
+            auto previous = [](app::ScreenWindow* w) {
+                QTest::mouseClick(w->View()->DataNavigator()->Previous(), Qt::LeftButton);
+            };
+
+            Type(form4->View(), profile::box::Discharge, "33");
+            Type(form2->View(), profile::box::Roughness, "0.041");
+            next(form2);
+            next(form4);
+            previous(form2);
+            QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join("\n")));
+            QCOMPARE(CellOf(file_, "Persecc", 1, "Rugosidad"), std::string("0.041"));
+            QCOMPARE(CellOf(file_, "Percanal", 1, "Caudal"), std::string("33"));
+            // The third window, on the record the first one saved, shows the saved value.
+            QCOMPARE(other->View()->Box(profile::box::Roughness)->text(), QStringLiteral("0.041"));
+
+            // One cell changed in two windows: the second save asks; "keep mine" wins, both move on.
+            Type(other->View(), profile::box::Discharge, "42");
+            Type(form2->View(), profile::box::Discharge, "43");
+            next(form2);
+            prompter.answer = true;
+            next(other);
+            QCOMPARE(prompter.questions.size(), 1);
+            QVERIFY(prompter.questions[0].contains(QStringLiteral(
+                "registro 1, columna \"Caudal\": otra ventana guardó 43 y en esta se escribió 42")));
+            QCOMPARE(other->View()->DataNavigator()->Position(), QStringLiteral("Registro 2 de 12"));
+            QCOMPARE(CellOf(file_, "Persecc", 1, "Caudal"), std::string("42"));
+
+            // "Take the file's": the window shows the other's value and moves on.
+            Type(other->View(), profile::box::Discharge, "52");
+            Type(form2->View(), profile::box::Discharge, "53");
+            previous(form2);
+            prompter.answer = false;
+            previous(other);
+            QCOMPARE(other->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 12"));
+            QCOMPARE(CellOf(file_, "Persecc", 2, "Caudal"), std::string("53"));
+            QVERIFY(prompter.faults.isEmpty());
+            QVERIFY(fs::exists(dir_ / ".~lock.Rios.xlsx#"));
+            QVERIFY(desktop.Exit());
+        }
+        // Closed windows go when the event loop deletes them: the last one takes the lock with it.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!fs::exists(dir_ / ".~lock.Rios.xlsx#"));
+    }
+
+    void formulaBoxIsMarkedAndAsksBeforeItsFormulaIsReplaced() {
+        // Record 3's discharge becomes a formula over record 1's, written by another program.
+        const fs::path libros = fs::path(CAUCE_EXAMPLES_DIR) / ".." / "tests" / "workbook" / "libros.py";
+        const std::string put = "/usr/bin/python3 '" + libros.string() + "' poner '" + file_.string() +
+                                "' Persecc 3 Caudal '\"=K2\"'";
+        QCOMPARE(std::system(put.c_str()), 0);
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [&](std::string_view) { return file_.string(); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        auto* nav = w->View()->DataNavigator();
+        QTest::mouseClick(nav->Next(), Qt::LeftButton);
+        QTest::mouseClick(nav->Next(), Qt::LeftButton);
+        QLineEdit* box = w->View()->Box(profile::box::Discharge);
+        QVERIFY(box->font().italic());
+        QVERIFY(box->toolTip().contains(QStringLiteral("=K2")));
+        QVERIFY(!w->View()->Box(profile::box::Roughness)->font().italic());
+
+        const QString shown = box->text();
+        prompter.answer = false;
+        Type(w->View(), profile::box::Discharge, "50");
+        QVERIFY(!prompter.questions.isEmpty());
+        QVERIFY(prompter.questions[0].contains(QStringLiteral("fórmula =K2")));
+        QCOMPARE(box->text(), shown);
+        QTest::mouseClick(nav->Previous(), Qt::LeftButton);
+        QCOMPARE(CellOf(file_, "Persecc", 3, "Caudal"),
+                 shown.toStdString());  // the formula's value, untouched
+
+        QTest::mouseClick(nav->Next(), Qt::LeftButton);
+        prompter.answer = true;
+        Type(w->View(), profile::box::Discharge, "50");
+        QCOMPARE(box->text(), QStringLiteral("50"));
+        QTest::mouseClick(nav->Previous(), Qt::LeftButton);
+        QCOMPARE(CellOf(file_, "Persecc", 3, "Caudal"), std::string("50"));
+        QVERIFY(prompter.faults.isEmpty());
+        desktop.Exit();
+    }
+};
+
+QTEST_MAIN(LibroCompartido)
+#include "tst_libro_compartido.moc"

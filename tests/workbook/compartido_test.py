@@ -1,0 +1,279 @@
+#!/usr/bin/python3
+"""A workbook shared by two Cauce processes and by LibreOffice, as users share one.
+
+  compartido_test.py -v GuionesTest       two "cauce guion" save one workbook at the same instant
+  compartido_test.py -v LibreOfficeTest   LibreOffice (headless, driven through python3-uno) as the
+                                          other program: its workbook edited by Cauce, its lock
+                                          honoured, Cauce's lock seen by it
+Environment: CAUCE (the program), CAUCE_EJEMPLOS (examples/), CAUCE_DATOS (a scratch data folder).
+"""
+import json
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+import openpyxl
+
+CAUCE = os.environ["CAUCE"]
+EJEMPLOS = os.environ["CAUCE_EJEMPLOS"]
+TRIALS = 20
+
+
+def column(ws, name):
+    for c in ws[1]:
+        if c.value == name:
+            return c.column
+    raise KeyError(name)
+
+
+def cell(path, sheet, record, name):
+    ws = openpyxl.load_workbook(path)[sheet]
+    return ws.cell(1 + record, column(ws, name)).value
+
+
+class Scratch(unittest.TestCase):
+    def setUp(self):
+        self.dir = tempfile.mkdtemp(prefix="cauce-compartido-")
+        self.env = dict(os.environ, CAUCE_DATOS=os.path.join(self.dir, "datos"))
+
+    def tearDown(self):
+        shutil.rmtree(self.dir, ignore_errors=True)
+
+    def guion(self, script):
+        return subprocess.run([CAUCE, "guion"], input=script, capture_output=True, text=True, cwd=self.dir,
+                              env=self.env, timeout=60)
+
+
+class GuionesTest(Scratch):
+    """Each process types its edit and waits; both get the end of their script at once and save."""
+
+    def race(self, a, b):
+        procs = []
+        for script in (a, b):
+            p = subprocess.Popen([CAUCE, "guion"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                 stderr=subprocess.PIPE, text=True, cwd=self.dir, env=self.env)
+            p.stdin.write(script)
+            p.stdin.flush()
+            procs.append(p)
+        # Both have read their workbook (and shown it) before either saves.
+        for p in procs:
+            p.stdin.write("mostrar\n")
+            p.stdin.flush()
+            p.stdout.readline()
+        for p in procs:
+            p.stdin.write("registro 2\n")
+        for p in procs:
+            p.stdin.close()
+        return [(p.wait(timeout=60), p.stderr.read()) for p in procs]
+
+    def test_different_sheets_then_different_cells_every_time(self):
+        book = os.path.join(self.dir, "Rios.xlsx")
+        for case, (form_b, sheet_b, box_b, column_b) in {
+            "hojas": ("Form4", "Percanal", "Text95", "Caudal"),
+            "celdas": ("Form2", "Persecc", "Text93", "Rugosidad"),
+        }.items():
+            for i in range(TRIALS):
+                with self.subTest(caso=case, vez=i):
+                    shutil.copy(os.path.join(EJEMPLOS, "Rios.xlsx"), book)
+                    q, other = 100 + i, 0.01 + i / 1000
+                    results = self.race(
+                        f"pantalla Form2\nlibro Rios.xlsx\nescribir Text95 {q}\n",
+                        f"pantalla {form_b}\nlibro Rios.xlsx\nescribir {box_b} {other}\n")
+                    self.assertEqual([r[0] for r in results], [0, 0], results)
+                    self.assertEqual(cell(book, "Persecc", 1, "Caudal"), q)
+                    self.assertEqual(cell(book, sheet_b, 1, column_b), other)
+                    self.assertFalse(os.path.exists(os.path.join(self.dir, ".~lock.Rios.xlsx#")))
+
+    def test_same_cell_one_save_refused_and_the_file_holds_the_other(self):
+        book = os.path.join(self.dir, "Rios.xlsx")
+        shutil.copy(os.path.join(EJEMPLOS, "Rios.xlsx"), book)
+        results = self.race("pantalla Form2\nlibro Rios.xlsx\nescribir Text95 111\n",
+                            "pantalla Form2\nlibro Rios.xlsx\nescribir Text95 222\n")
+        statuses = sorted(r[0] for r in results)
+        self.assertEqual(statuses, [0, 1], results)
+        saved, refused = (111, 222) if results[0][0] == 0 else (222, 111)
+        err = [r[1] for r in results if r[0] == 1][0]
+        self.assertIn(f'en la hoja "Persecc", registro 1, columna "Caudal", otro programa guardó {saved} y en '
+                      f'Cauce se escribió {refused}', err)
+        self.assertEqual(cell(book, "Persecc", 1, "Caudal"), saved)
+
+    def test_typed_relative_path_is_the_working_folders(self):
+        # A legacy .xls of the working folder, not the data folder's workbook of that name.
+        book = os.path.join(self.dir, "Rios.xls")
+        subprocess.run(["/usr/bin/python3", os.path.join(os.path.dirname(__file__), "libros.py"), "crear-xls",
+                        book], check=True)
+        r = self.guion("pantalla Form2\nlibro Rios.xls\nmostrar\n")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertEqual(json.loads(r.stdout)["Text93"], "0.03")
+        r = subprocess.run([CAUCE, "perfil", "Rios.xls", "--hoja", "Persecc", "--y-inicial", "1.5", "--guardar"],
+                           capture_output=True, text=True, cwd=self.dir, env=self.env, timeout=60)
+        self.assertIn(os.path.join(self.dir, "Rios.xlsx"), r.stdout + r.stderr)
+        self.assertTrue(os.path.exists(os.path.join(self.dir, "Rios.xlsx")))
+        self.assertFalse(os.path.exists(os.path.join(self.dir, "datos", "Rios.xls")))
+
+
+class LibreOfficeTest(Scratch):
+    """One LibreOffice for the whole class: starting it costs seconds."""
+
+    @classmethod
+    def setUpClass(cls):
+        import uno  # noqa: F401  (python3-uno)
+        cls.profile = tempfile.mkdtemp(prefix="cauce-lo-perfil-")
+        pipe = "cauce" + str(os.getpid())
+        cls.office = subprocess.Popen(
+            ["soffice", "--headless", "--invisible", "--norestore", "--nologo", "--nodefault",
+             "-env:UserInstallation=file://" + cls.profile, f"--accept=pipe,name={pipe};urp;"],
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        local = uno.getComponentContext()
+        resolver = local.ServiceManager.createInstanceWithContext("com.sun.star.bridge.UnoUrlResolver", local)
+        deadline = time.time() + 240
+        while True:
+            try:
+                ctx = resolver.resolve(f"uno:pipe,name={pipe};urp;StarOffice.ComponentContext")
+                break
+            except Exception:
+                if time.time() > deadline or cls.office.poll() is not None:
+                    raise
+                time.sleep(0.25)
+        cls.desktop = ctx.ServiceManager.createInstanceWithContext("com.sun.star.frame.Desktop", ctx)
+
+    @classmethod
+    def tearDownClass(cls):
+        try:
+            cls.desktop.terminate()
+        except Exception:
+            pass
+        try:
+            cls.office.wait(timeout=30)
+        except subprocess.TimeoutExpired:
+            cls.office.kill()
+        shutil.rmtree(cls.profile, ignore_errors=True)
+
+    def load(self, path, hidden=True):
+        import uno
+        from com.sun.star.beans import PropertyValue
+        p = PropertyValue()
+        p.Name, p.Value = "Hidden", hidden
+        return self.desktop.loadComponentFromURL(uno.systemPathToFileUrl(path), "_blank", 0, (p,))
+
+    def save_as_xlsx(self, doc, path):
+        import uno
+        from com.sun.star.beans import PropertyValue
+        f = PropertyValue()
+        f.Name, f.Value = "FilterName", "Calc MS Excel 2007 XML"
+        doc.storeToURL(uno.systemPathToFileUrl(path), (f,))
+
+    def test_libreoffice_workbook_edited_by_cauce_recalculates_and_keeps_the_rest(self):
+        book = os.path.join(self.dir, "Rios.xlsx")
+        # A workbook made by LibreOffice: the example's sheets, a sheet "Resumen" summing the
+        # discharge column, and a record whose discharge is a formula.
+        doc = self.load(os.path.join(EJEMPLOS, "Rios.xlsx"))
+        sheets = doc.Sheets
+        persecc = sheets.getByName("Persecc")
+        ws = openpyxl.load_workbook(os.path.join(EJEMPLOS, "Rios.xlsx"))["Persecc"]
+        caudal = column(ws, "Caudal") - 1
+        total = sum(ws.cell(r, caudal + 1).value or 0 for r in range(2, 14))
+        sheets.insertNewByName("Resumen", sheets.Count)
+        letter = openpyxl.utils.get_column_letter(caudal + 1)
+        sheets.getByName("Resumen").getCellByPosition(0, 0).setFormula(f"=SUM(Persecc.{letter}2:{letter}13)")
+        persecc.getCellByPosition(caudal, 3).setFormula(f"={letter}2")
+        self.save_as_xlsx(doc, book)
+        doc.close(True)
+        first = cell(book, "Persecc", 1, "Caudal")
+        third = ws.cell(4, caudal + 1).value
+        before = openpyxl.load_workbook(book)
+
+        # Cauce changes the first record's discharge; the record fed by a formula says so.
+        r = self.guion("pantalla Form2\nlibro Rios.xlsx\nregistro 3\nmostrar\nregistro 1\n"
+                       f"escribir Text95 {first + 7}\nregistro 2\n")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        self.assertEqual(json.loads(r.stdout.splitlines()[0])["Text95"], format(first, "g"))
+
+        # LibreOffice with its default settings shows the recomputed results.
+        doc = self.load(book)
+        try:
+            got = doc.Sheets.getByName("Resumen").getCellByPosition(0, 0).getValue()
+            fed = doc.Sheets.getByName("Persecc").getCellByPosition(caudal, 3)
+            self.assertEqual(got, total - first - third + 2 * (first + 7))
+            self.assertEqual(fed.getValue(), first + 7)
+            self.assertEqual(fed.getFormula(), f"={letter}2")
+        finally:
+            doc.close(True)
+        # Cauce shows the formula's value from the cells as they are now, and says when an edit
+        # replaces it.
+        r = self.guion("pantalla Form2\nlibro Rios.xlsx\nregistro 3\nmostrar\nescribir Text95 50\nregistro 1\n"
+                       "mostrar\n")
+        self.assertEqual(r.returncode, 0, r.stderr)
+        shown, moved = (json.loads(line) for line in r.stdout.splitlines())
+        self.assertEqual(shown["Text95"], format(first + 7, "g"))
+        self.assertIn(f"Se reemplazó la fórmula ={letter}2 de la hoja \"Persecc\" (registro 3, columna \"Caudal\") "
+                      "por el valor 50.", moved["aviso"])
+        self.assertEqual(cell(book, "Persecc", 3, "Caudal"), 50)
+        after = openpyxl.load_workbook(book)
+        for name in before.sheetnames:
+            for row_a, row_b in zip(before[name].iter_rows(), after[name].iter_rows()):
+                for a, b in zip(row_a, row_b):
+                    if (name, a.row, a.column) == ("Persecc", 2, caudal + 1):
+                        self.assertEqual(b.value, first + 7)
+                    elif (name, a.row, a.column) == ("Persecc", 4, caudal + 1):
+                        self.assertEqual(b.value, 50)
+                    else:
+                        self.assertEqual(a.value, b.value, f"{name}!{a.coordinate}")
+
+    def test_locks_both_ways(self):
+        book = os.path.join(self.dir, "Rios.xlsx")
+        lock = os.path.join(self.dir, ".~lock.Rios.xlsx#")
+        shutil.copy(os.path.join(EJEMPLOS, "Rios.xlsx"), book)
+
+        # LibreOffice holds the workbook: Cauce reads it, says who holds it, saves nothing.
+        doc = self.load(book)
+        try:
+            with open(lock, encoding="utf-8") as f:
+                theirs = f.read()
+            self.assertTrue(theirs.endswith(";"), theirs)
+            original = open(book, "rb").read()
+            r = self.guion("pantalla Form2\nlibro Rios.xlsx\nmostrar\nescribir Text95 5\nregistro 2\n")
+            self.assertEqual(r.returncode, 1)
+            self.assertIn("está abierto para edición por", json.loads(r.stdout)["aviso"])
+            self.assertIn("Sus cambios no se guardaron", r.stderr)
+            r = subprocess.run([CAUCE, "perfil", "Rios.xlsx", "--hoja", "Persecc", "--y-inicial", "1.5",
+                                "--guardar"], capture_output=True, text=True, cwd=self.dir, env=self.env,
+                               timeout=60)
+            self.assertEqual(r.returncode, 1, r.stdout)
+            self.assertIn("está abierto para edición por", r.stderr)
+            self.assertEqual(open(book, "rb").read(), original)
+            self.assertEqual(open(lock, encoding="utf-8").read(), theirs)
+        finally:
+            doc.close(True)
+        self.assertFalse(os.path.exists(lock))
+
+        # Cauce holds it (a script waiting on its input): LibreOffice opens it read-only.
+        p = subprocess.Popen([CAUCE, "guion"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+                             cwd=self.dir, env=self.env)
+        try:
+            p.stdin.write("pantalla Form2\nlibro Rios.xlsx\nmostrar\n")
+            p.stdin.flush()
+            p.stdout.readline()
+            self.assertTrue(os.path.exists(lock))
+            # Headless, with nobody to ask, LibreOffice does not open a locked file for editing.
+            doc = self.load(book)
+            self.assertTrue(doc is None or doc.isReadonly())
+            if doc is not None:
+                doc.close(True)
+        finally:
+            p.stdin.close()
+            p.wait(timeout=30)
+        self.assertFalse(os.path.exists(lock))
+        doc = self.load(book)
+        try:
+            self.assertFalse(doc.isReadonly())
+        finally:
+            doc.close(True)
+
+
+if __name__ == "__main__":
+    unittest.main()
