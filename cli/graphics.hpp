@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
 
@@ -34,6 +34,6 @@ std::string CannotDraw();
 std::string WriteCurvePng(const CurvePlot& plot, const std::string& path);
 
 // cauce informe: runs the reach and writes its report to output (PDF). Returns the exit status.
-int WriteReport(const std::string& book, const ReachOptions& options, const std::string& output);
+int WriteReport(const std::string& book, const reach::ReachOptions& options, const std::string& output);
 
 }  // namespace cauce::cli

@@ -3,9 +3,11 @@
 #include "cli/args.hpp"
 #include "cli/command.hpp"
 #include "cli/graphics.hpp"
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
+
+using namespace reach;
 
 namespace {
 

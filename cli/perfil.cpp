@@ -7,10 +7,12 @@
 #include "cli/args.hpp"
 #include "cli/command.hpp"
 #include "cli/progress.hpp"
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 #include "cli/text_table.hpp"
 
 namespace cauce::cli {
+
+using namespace reach;
 
 namespace {
 

@@ -21,6 +21,8 @@
 
 namespace cauce::cli {
 
+using namespace reach;
+
 namespace {
 
 QString Q(const std::string& s) { return QString::fromStdString(s); }

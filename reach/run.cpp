@@ -1,12 +1,14 @@
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 
 #include "forms/format.hpp"
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
+#include "hydraulics/profiles/profile.hpp"
 #include "screens/natural_screen.hpp"
 #include "screens/registry.hpp"
 
@@ -15,11 +17,13 @@
 #include "workbook/workbook.hpp"
 #endif
 
-namespace cauce::cli {
+namespace cauce::reach {
 
 namespace {
 
-std::string T(int n) { return "Text" + std::to_string(n); }
+std::string T(int n) {
+    return "Text" + std::to_string(n);
+}
 
 // The boxes of each profile screen that the run types into and reads from.
 struct Boxes {
@@ -29,18 +33,21 @@ struct Boxes {
     int type0, zw0, v0, ysoc0;  // box of row j is Text(base + j); type boxes are Text(type0 + 2j); 0: none
 };
 
-const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95", "Text96", "Text97",
-                          30, 62, 77, 0};
-const Boxes kScourBoxes{"Text128", "Label5", "Text129", "Text130", "Text123", "Text124", "Text125", "Text126",
-                        "Text127", 0, 75, 90, 105};
+const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95",
+                          "Text96", "Text97",  30,       62,        77,       0};
+const Boxes kScourBoxes{"Text128", "Label5",  "Text129", "Text130", "Text123", "Text124", "Text125",
+                        "Text126", "Text127", 0,         75,        90,        105};
 
-const Boxes& BoxesOf(const ReachKind& kind) { return kind.scour ? kScourBoxes : kProfileBoxes; }
+const Boxes& BoxesOf(const ReachKind& kind) {
+    return kind.scour ? kScourBoxes : kProfileBoxes;
+}
 
 std::string Trim(std::string_view s) {
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
     std::string out(s);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return out;
 }
 
@@ -65,6 +72,25 @@ std::string TableMessage(const natural::State& st, int i) {
     } catch (const Fault&) {
     }
     return "";
+}
+
+// Depth, Froude number, specific energy and friction slope of section j at its profile depth, on a
+// copy of the state so that the screen's own band index and working depth are left as they were.
+void AddFlowValues(const natural::State& shown, int j, ProfileRow& row) {
+    try {
+        natural::State st = shown;
+        st.Y = st.Ysec(j);
+        if (!(st.Y > 0)) return;
+        const profiles::SectionValues v = profiles::EvaluateSection(st, j);
+        const double depth = Div(st.A(j), st.Tw(j));
+        const double froude = Div(v.V, Sqr(9.81 * depth));
+        row.y = forms::Format(st.Y, "0.000");
+        row.froude = forms::Format(froude, "0.00");
+        row.energy = forms::Format(v.E, "0.000");
+        row.sf = forms::FormatFixed(v.Sf, 6);
+    } catch (const Fault&) {
+        row.y = row.froude = row.energy = row.sf = "";
+    }
 }
 
 void Append(std::string& to, const std::string& what) {
@@ -188,14 +214,16 @@ Plan PlanClicks(const forms::RecordSource& src) {
             late.push_back(here);
         }
     }
-    std::sort(late.begin(), late.end(), [](const Numbered& a, const Numbered& b) { return a.record < b.record; });
+    std::sort(late.begin(), late.end(),
+              [](const Numbered& a, const Numbered& b) { return a.record < b.record; });
     for (const auto& l : late)
-        plan.notices.push_back("El registro " + std::to_string(l.record) + " (sección " + std::to_string(l.i) +
-                               ") no se calcula: el tramo termina en la sección " + std::to_string(last.i) +
-                               ", que activa \"Perfiles\".");
+        plan.notices.push_back("El registro " + std::to_string(l.record) + " (sección " +
+                               std::to_string(l.i) + ") no se calcula: el tramo termina en la sección " +
+                               std::to_string(last.i) + ", que activa \"Perfiles\".");
     if (last.record == 0) {
         plan.error =
-            "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se activa.";
+            "Ningún registro tiene el número de sección igual al número de secciones: \"Perfiles\" no se "
+            "activa.";
         return plan;
     }
     plan.records.push_back(last.record);
@@ -220,7 +248,9 @@ const ReachKind* KindOfSheet(std::string_view sheet) {
     return nullptr;
 }
 
-std::string KindList() { return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)"; }
+std::string KindList() {
+    return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)";
+}
 
 std::string DefaultSheet(const std::string& path, std::string& why) {
 #ifdef CAUCE_HAS_WORKBOOK
@@ -231,8 +261,8 @@ std::string DefaultSheet(const std::string& path, std::string& why) {
             if (std::find(names.begin(), names.end(), k.sheet) != names.end()) return k.sheet;
         std::string list;
         for (const auto& n : names) list += (list.empty() ? "\"" : ", \"") + n + "\"";
-        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() + "); sus hojas son " +
-              (list.empty() ? "ninguna" : list) + ".";
+        why = "El libro \"" + path + "\" no tiene ninguna hoja de perfiles (" + KindList() +
+              "); sus hojas son " + (list.empty() ? "ninguna" : list) + ".";
     } catch (const Fault& f) {
         why = f.what();
     }
@@ -253,15 +283,16 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
     }
     res.kind = KindOfSheet(sheet);
     if (!res.kind) {
-        res.error = "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
+        res.error =
+            "La hoja \"" + sheet + "\" no es de ninguna pantalla de perfiles: use " + KindList() + ".";
         return res;
     }
     const ReachKind& kind = *res.kind;
     const Boxes& b = BoxesOf(kind);
     res.depth = kind.scour ? options.y_final : options.y_initial;
     if (res.depth.empty()) {
-        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " + kind.option +
-                    ": el tirante en la última sección.";
+        res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " +
+                    kind.option + ": el tirante en la última sección.";
         return res;
     }
 
@@ -322,6 +353,7 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
             row.zw = screen->Get(T(b.zw0 + j)).text;
             row.v = screen->Get(T(b.v0 + j)).text;
             if (res.scour) row.ysoc = screen->Get(T(b.ysoc0 + j)).text;
+            AddFlowValues(st, j, row);
             res.profile.push_back(row);
         }
     } catch (const Fault& f) {
@@ -342,4 +374,4 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
     return res;
 }
 
-}  // namespace cauce::cli
+}  // namespace cauce::reach
