@@ -7,8 +7,9 @@
 #include "cli/args.hpp"
 #include "cli/command.hpp"
 #include "cli/progress.hpp"
-#include "reach/run.hpp"
 #include "cli/text_table.hpp"
+#include "reach/csv.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
 
@@ -18,7 +19,7 @@ namespace {
 
 struct Options {
     std::vector<std::string> books;
-    std::string sheet, y_initial, y_final, format = "texto";
+    std::string sheet, y_initial, y_final, format = "texto", separator = ",";
     bool save = false;
 };
 
@@ -33,7 +34,9 @@ nlohmann::ordered_json TextOrNull(const std::string& text) {
     return text;
 }
 
-bool Faulty(const SectionResult& s) { return s.faulty; }
+bool Faulty(const SectionResult& s) {
+    return s.faulty;
+}
 
 std::string SectionNotice(const SectionResult& s) {
     if (s.error.empty()) return s.notice;
@@ -67,8 +70,8 @@ void PrintText(std::ostream& out, const ReachResult& r) {
         out << "\nResultados por sección (\"(Y?)\")\n";
         TextTable t({"Registro", "Sección", "Yn m", "Yc m", "Q lleno m3/s", "Desborda", "Avisos"});
         for (const auto& s : r.sections)
-            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno, Overflow(s, "sí"),
-                   SectionNotice(s)});
+            t.Row({std::to_string(s.record), std::to_string(s.section), s.yn, s.yc, s.qlleno,
+                   Overflow(s, "sí"), SectionNotice(s)});
         t.Print(out);
     }
     if (!r.profile.empty()) {
@@ -84,16 +87,18 @@ void PrintText(std::ostream& out, const ReachResult& r) {
         t.Print(out);
     }
     for (const auto& n : r.notices) out << "Aviso: " << n << "\n";
-    if (r.saved) out << "Tabla guardada en " << r.file << (r.save_note.empty() ? "" : " (" + r.save_note + ")") << "\n";
+    if (r.saved)
+        out << "Tabla guardada en " << r.file << (r.save_note.empty() ? "" : " (" + r.save_note + ")")
+            << "\n";
     if (!r.Ok()) out << "Error: " << r.error << "\n";
     out << "\n";
 }
 
-const char* kCsvHeader =
-    "libro,hoja,pantalla,registro,seccion,yn_m,yc_m,q_lleno_m3s,desborda,abscisa_m,tipo,z_agua_m,v_media_ms,ysoc_m,"
-    "aviso\n";
+const std::vector<std::string> kCsvHeader{"libro", "hoja",     "pantalla",    "registro", "seccion",
+                                          "yn_m",  "yc_m",     "q_lleno_m3s", "desborda", "abscisa_m",
+                                          "tipo",  "z_agua_m", "v_media_ms",  "ysoc_m",   "aviso"};
 
-void PrintCsv(std::ostream& out, const ReachResult& r) {
+void PrintCsv(std::ostream& out, const ReachResult& r, char separator) {
     if (!r.kind) return;
     for (const auto& [number, j] : JoinBySection(r)) {
         std::vector<std::string> f{r.path, r.kind->sheet, r.kind->form};
@@ -110,9 +115,7 @@ void PrintCsv(std::ostream& out, const ReachResult& r) {
             f.insert(f.end(), {"", "", "", "", ""});
         }
         f.push_back(j.section ? SectionNotice(*j.section) : "");
-        std::string line;
-        for (const auto& field : f) line += (line.empty() ? "" : ",") + CsvField(field);
-        out << line << "\n";
+        out << CsvLine(f, separator) << "\n";
     }
 }
 
@@ -139,8 +142,10 @@ nlohmann::ordered_json ToJson(const ReachResult& r) {
     j["secciones"] = sections;
     auto profile = nlohmann::ordered_json::array();
     for (const auto& p : r.profile) {
-        nlohmann::ordered_json row{{"seccion", p.section},       {"abscisa", NumberOrNull(p.chainage)},
-                                   {"tipo", TextOrNull(p.type)}, {"z_agua", NumberOrNull(p.zw)},
+        nlohmann::ordered_json row{{"seccion", p.section},
+                                   {"abscisa", NumberOrNull(p.chainage)},
+                                   {"tipo", TextOrNull(p.type)},
+                                   {"z_agua", NumberOrNull(p.zw)},
                                    {"v_media", NumberOrNull(p.v)}};
         if (r.scour) row["ysoc"] = NumberOrNull(p.ysoc);
         profile.push_back(row);
@@ -156,7 +161,9 @@ nlohmann::ordered_json ToJson(const ReachResult& r) {
 int Run(const Options& o) {
     const Format format = ParseFormat(o.format, true);
     if (o.y_initial.empty() && o.y_final.empty())
-        throw UsageError("falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones \")");
+        throw UsageError(
+            "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
+            "\")");
     if (!o.y_initial.empty()) NumberOption("--y-inicial", o.y_initial, Sign::Positive);
     if (!o.y_final.empty()) NumberOption("--y-final", o.y_final, Sign::Positive);
     if (!o.sheet.empty() && !KindOfSheet(o.sheet))
@@ -166,7 +173,11 @@ int Run(const Options& o) {
     Progress progress("perfil", static_cast<int>(o.books.size()));
     auto json = nlohmann::ordered_json::array();
     bool failed = false;
-    if (format == Format::Csv) std::cout << kCsvHeader;
+    if (o.separator != "," && o.separator != ";")
+        throw UsageError("--separador: \"" + o.separator +
+                         "\" no sirve: use \",\" (con punto decimal) o \";\" (con coma decimal)");
+    const char separator = o.separator.front();
+    if (format == Format::Csv) std::cout << CsvLine(kCsvHeader, separator) << "\n";
     for (std::size_t b = 0; b < o.books.size(); ++b) {
         progress.Step(static_cast<int>(b) + 1, o.books[b]);
         const ReachResult r = RunReach(o.books[b], ro);
@@ -178,13 +189,19 @@ int Run(const Options& o) {
             if (!r.Ok()) std::cerr << "cauce perfil: " << o.books[b] << ": " << r.error << "\n";
             for (const auto& s : r.sections)
                 if (Faulty(s))
-                    std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección " << s.section
-                              << "): " << SectionNotice(s) << "\n";
+                    std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección "
+                              << s.section << "): " << SectionNotice(s) << "\n";
         }
         switch (format) {
-            case Format::Text: PrintText(std::cout, r); break;
-            case Format::Csv: PrintCsv(std::cout, r); break;
-            case Format::Json: json.push_back(ToJson(r)); break;
+            case Format::Text:
+                PrintText(std::cout, r);
+                break;
+            case Format::Csv:
+                PrintCsv(std::cout, r, separator);
+                break;
+            case Format::Json:
+                json.push_back(ToJson(r));
+                break;
         }
         std::cout.flush();
     }
@@ -198,20 +215,34 @@ int Run(const Options& o) {
 
 Command AddPerfil(CLI::App& parent) {
     static Options o;
-    CLI::App* app = parent.add_subcommand("perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");
-    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")->required()->type_name("");
-    app->add_option("--hoja", o.sheet, "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
-                                       "sin ella, la primera de ellas que tenga el libro")
+    CLI::App* app = parent.add_subcommand(
+        "perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");
+    app->add_option("LIBRO", o.books, "Libros de Excel (.xlsx o .xls), uno por tramo")
+        ->required()
+        ->type_name("");
+    app->add_option("--hoja", o.sheet,
+                    "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
+                    "sin ella, la primera de ellas que tenga el libro")
         ->type_name("NOMBRE");
-    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");
-    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")->type_name("Y");
-    app->add_flag("--guardar", o.save, "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
+    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")
+        ->type_name("Y");
+    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")
+        ->type_name("Y");
+    app->add_flag("--guardar", o.save,
+                  "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
     app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
+    app->add_option("--separador", o.separator,
+                    "CSV: \",\" con punto decimal (por omisión) o \";\" con coma decimal, para hojas de "
+                    "cálculo en español")
+        ->type_name("SEP");
     app->footer(
-        "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al final),\n"
-        "luego el tirante y \"Perfiles\". Se imprimen por sección Yn, Yc, el caudal a banca llena y si desborda,\n"
+        "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al "
+        "final),\n"
+        "luego el tirante y \"Perfiles\". Se imprimen por sección Yn, Yc, el caudal a banca llena y si "
+        "desborda,\n"
         "y la tabla del perfil (abscisa, tipo, cota del agua, velocidad y, en Form3, socavación).\n"
-        "Sale con 0 si todo se calculó, 1 si un libro o una sección no se pudo calcular, 2 si la orden está mal.\n"
+        "Sale con 0 si todo se calculó, 1 si un libro o una sección no se pudo calcular, 2 si la orden está "
+        "mal.\n"
         "Ejemplos:\n"
         "  cauce perfil Rios.xlsx --y-inicial 1.8\n"
         "  cauce perfil Rios.xlsx --hoja Percanal --y-inicial 1.2 --formato csv > perfil.csv\n"
