@@ -13,6 +13,8 @@
 
 #include "app/desktop.hpp"
 #include "app/dialogs.hpp"
+#include "app/file_actions.hpp"
+#include "app/help_actions.hpp"
 #include "app/profile_chart.hpp"
 #include "app/screen_view.hpp"
 #include "hydraulics/fault.hpp"
@@ -87,8 +89,11 @@ void ScreenWindow::BuildMenus() {
     save->setShortcut(QKeySequence::Save);
     save->setEnabled(model_->HasData());
     file->addSeparator();
-    file->addAction(QStringLiteral("&Cerrar la ventana"), this, [this] { close(); })
-        ->setShortcut(QKeySequence::Close);
+    QAction* close_window = file->addAction(QStringLiteral("&Cerrar la ventana"), this, [this] { close(); });
+    close_window->setShortcut(QKeySequence::Close);
+    files_ = new FileActions(*this, *model_, *view_, prompter_,
+                             [this](const QString& path) { return OpenWorkbook(path); });
+    files_->AddTo(*file, close_window);
     file->addAction(QStringLiteral("&Salir"), this,
                     [this] {
                         if (desktop_) desktop_->Exit();
@@ -114,6 +119,8 @@ void ScreenWindow::BuildMenus() {
         });
         a->setObjectName(Q(key));
     }
+
+    AddHelpActions(*menuBar()->addMenu(QStringLiteral("Ay&uda")), this);
 }
 
 void ScreenWindow::Update() {
@@ -151,6 +158,7 @@ bool ScreenWindow::OpenWorkbook(const QString& path) {
     }
     view_->Refresh();
     Update();
+    FileActions::Remember(path);
     return true;
 }
 

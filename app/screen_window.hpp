@@ -15,6 +15,7 @@ class QSplitter;
 namespace cauce::app {
 
 class Desktop;
+class FileActions;
 class ProfileChart;
 class Prompter;
 class ScreenView;
@@ -28,6 +29,8 @@ class ScreenWindow : public QMainWindow {
     forms::Screen& Model() const { return *model_; }
     ScreenView* View() const { return view_; }
     ProfileChart* Chart() const { return chart_; }
+    // Archivo's new workbook, records, report, project data and table export.
+    FileActions* Files() const { return files_; }
 
     // Binds Data1 to the workbook at path; false (and a message) when it cannot be opened.
     bool OpenWorkbook(const QString& path);
@@ -52,6 +55,7 @@ class ScreenWindow : public QMainWindow {
     ProfileChart* chart_ = nullptr;
     QSplitter* splitter_ = nullptr;
     QLabel* status_ = nullptr;
+    FileActions* files_ = nullptr;
 };
 
 }  // namespace cauce::app

@@ -248,6 +248,8 @@ const ReachKind* KindOfSheet(std::string_view sheet) {
     return nullptr;
 }
 
+const char* DepthBox(const ReachKind& kind) { return BoxesOf(kind).depth; }
+
 std::string KindList() {
     return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)";
 }
