@@ -3,9 +3,12 @@
 // a reach and of a case on screen, a table exported as CSV.
 #include <QFile>
 #include <QLineEdit>
-#include <QToolButton>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QToolButton>
 #include <QtTest>
 
 #include "app/desktop.hpp"
@@ -24,6 +27,15 @@ using namespace cauce;
 using namespace cauce::apptest;
 
 namespace {
+
+// The entries of a menu of the window's bar, without their accelerator marks.
+QStringList Entries(QMainWindow* w, const QString& menu) {
+    QStringList out;
+    for (QAction* m : w->menuBar()->actions())
+        if (m->text().remove('&') == menu)
+            for (QAction* a : m->menu()->actions()) out << a->text().remove('&');
+    return out;
+}
 
 QByteArray Read(const QString& path) {
     QFile f(path);
@@ -48,6 +60,12 @@ class Archivo : public QObject {
         RecordingPrompter prompter;
         app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
         app::ScreenWindow* w = desktop.Open("Form2");
+        const QStringList file = Entries(w, QStringLiteral("Archivo"));
+        for (const char* entry : {"Nuevo libro...", "Recientes", "Registros", "Datos del proyecto...",
+                                  "Informe...", "Imprimir...", "Exportar tabla..."})
+            QVERIFY2(file.contains(QString::fromUtf8(entry)), entry);
+        QCOMPARE(Entries(w, QStringLiteral("Ayuda")),
+                 QStringList({QStringLiteral("Guía de uso"), QStringLiteral("Acerca de Cauce")}));
         QVERIFY(w->Files()->NewWorkbook(path));
         QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 1"));
         QVERIFY(app::FileActions::Recent().contains(QFileInfo(path).absoluteFilePath()));
