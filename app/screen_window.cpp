@@ -17,6 +17,7 @@
 #include "app/help_actions.hpp"
 #include "app/profile_chart.hpp"
 #include "app/screen_view.hpp"
+#include "app/survey_dialog.hpp"
 #include "hydraulics/fault.hpp"
 #include "screens/registry.hpp"
 
@@ -107,6 +108,11 @@ void ScreenWindow::BuildMenus() {
     paste->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V));
     copy->setEnabled(!view_->Tables().empty());
     paste->setEnabled(!view_->Tables().empty());
+    edit->addAction(QStringLiteral("Sección desde puntos &topográficos..."), this,
+                    [this] {
+                        if (ShowSurveyDialog(*model_, this)) view_->Refresh();
+                    })
+        ->setEnabled(HasLevelTable(*model_));
 
     QMenu* screens = menuBar()->addMenu(QStringLiteral("&Pantallas"));
     for (std::string_view name : screens::ScreenNames()) {

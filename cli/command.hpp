@@ -20,6 +20,7 @@ Command AddTubo(CLI::App& parent);
 Command AddCurva(CLI::App& parent);
 Command AddInforme(CLI::App& parent);
 Command AddLibro(CLI::App& parent);
+Command AddSeccion(CLI::App& parent);
 
 // The options of a prismatic channel (--base --talud --rugosidad --pendiente --altura --ancho-zona
 // --rugosidad-zona) and of a conduit (--diametro, with --rugosidad --pendiente when with_common).

@@ -1,0 +1,125 @@
+// Edición > "Sección desde puntos topográficos...": points pasted or typed, the levels and figures
+// shown, a bad row named, and "Aplicar" typing the levels into the record's level table, which the
+// record binding then saves as any edit.
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTableWidget>
+#include <QTimer>
+#include <QtTest>
+
+#include "app/desktop.hpp"
+#include "app/screen_view.hpp"
+#include "app/screen_window.hpp"
+#include "app/survey_dialog.hpp"
+#include "screens/registry.hpp"
+#include "support.hpp"
+
+using namespace cauce;
+using namespace cauce::apptest;
+
+namespace {
+
+// A bar in mid-channel, pasted from a spreadsheet with decimal commas: its stack is known exactly.
+const QString kIslote = QStringLiteral("Abscisa\tCota\n0\t105\n2\t100\n4\t103\n6\t100\n8,0\t105\n");
+
+QAction* MenuAction(QMainWindow* w, const QString& menu, const QString& text) {
+    for (QAction* m : w->menuBar()->actions())
+        if (m->text().remove('&') == menu)
+            for (QAction* a : m->menu()->actions())
+                if (a->text().remove('&') == text) return a;
+    return nullptr;
+}
+
+}  // namespace
+
+class SeccionTopografica : public QObject {
+    Q_OBJECT
+  private slots:
+    void initTestCase() { InstallMemoryBooks(); }
+
+    // Pasted points give the levels and figures; a bad row is named and nothing can be applied;
+    // fewer levels asked for change the stack.
+    void pasteEditAndLevels() {
+        auto screen = screens::MakeScreen("Form2");
+        app::SurveyDialog d(*screen);
+        QVERIFY(!d.Apply()->isEnabled());
+        d.PasteText(kIslote);
+        QVERIFY2(d.Problem().isEmpty(), qPrintable(d.Problem()));
+        QVERIFY(d.Result());
+        QCOMPARE(d.Result()->levels.size(), std::size_t{3});
+        QCOMPARE(d.Result()->levels[1].t, 6.4);
+        QVERIFY(d.Figures().contains(QStringLiteral("Diferencia máxima de área: 0.0 %")));
+        QVERIFY(d.Figures().contains(QStringLiteral("2 tramos separados")));
+        QVERIFY(d.Apply()->isEnabled());
+        if (qEnvironmentVariableIsSet("CAUCE_CAPTURA")) {
+            d.show();
+            d.grab().save(qEnvironmentVariable("CAUCE_CAPTURA"));
+        }
+
+        d.Points()->item(2, 1)->setText(QStringLiteral("cien"));  // the third row
+        QCOMPARE(d.Problem(), QStringLiteral("Fila 3: «4\tcien» no son dos números (abscisa y cota)."));
+        QVERIFY(!d.Apply()->isEnabled());
+        d.Points()->item(2, 1)->setText(QStringLiteral("103"));
+        QVERIFY(d.Apply()->isEnabled());
+
+        d.LevelCount()->setValue(2);
+        QCOMPARE(d.Result()->levels.size(), std::size_t{2});
+
+        // A paste that is not points changes nothing and says why.
+        d.PasteText(QStringLiteral("0;105\n5;x\n"));
+        QVERIFY(d.Problem().startsWith(QStringLiteral("No se pegó nada. Línea 2:")));
+        QCOMPARE(d.Points()->item(2, 1)->text(), QStringLiteral("103"));
+    }
+
+    // The menu entry of a screen with a level table; "Aplicar" types the levels into the record's
+    // boxes (the rows beyond cleared) and moving to another record saves them.
+    void applyFromTheMenuSavesTheRecord() {
+        Books().clear();
+        std::vector<std::map<std::string, std::string>> rows;
+        for (int k = 1; k <= 2; ++k)
+            rows.push_back(SectionRow(k, 2, {{90, 2}, {91, 3}, {92, 9}, {93, 12}}, 0.03, 0.001, 5));
+        Books()["rios.xlsx"] = MakeSheet(Form2Columns(), rows);
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        QAction* action =
+            MenuAction(w, QStringLiteral("Edición"), QStringLiteral("Sección desde puntos topográficos..."));
+        QVERIFY(action);
+        QVERIFY(action->isEnabled());
+
+        QTimer::singleShot(0, [] {
+            auto* d = qobject_cast<app::SurveyDialog*>(QApplication::activeModalWidget());
+            QVERIFY(d);
+            d->PasteText(kIslote);
+            QTest::mouseClick(d->Apply(), Qt::LeftButton);
+        });
+        action->trigger();
+        const QStringList shown = {w->View()->Box("Text1")->text(), w->View()->Box("Text2")->text(),
+                                   w->View()->Box("Text5")->text(), w->View()->Box("Text6")->text(),
+                                   w->View()->Box("Text7")->text(), w->View()->Box("Text8")->text()};
+        QCOMPARE(shown, (QStringList{"100", "0", "105", "8", "", ""}));
+        w->View()->MoveRecord(app::Move::Next);
+        const auto& saved = Books()["rios.xlsx"]->rows[0];
+        QCOMPARE(saved.at("z2"), std::string("103"));
+        QCOMPARE(saved.at("t2"), std::string("6.4"));
+        QCOMPARE(saved.at("z4"), std::string(""));
+        QCOMPARE(Books()["rios.xlsx"]->saves, 1);
+        QVERIFY(prompter.faults.isEmpty());
+
+        // Every natural-section screen has the level table; Form1 has none, and its entry is disabled.
+        for (std::string_view name : screens::ScreenNames())
+            QCOMPARE(app::HasLevelTable(*screens::MakeScreen(name)), name != "Form1");
+        app::ScreenWindow* f1 = desktop.Open("Form1");
+        QVERIFY(
+            !MenuAction(f1, QStringLiteral("Edición"), QStringLiteral("Sección desde puntos topográficos..."))
+                 ->isEnabled());
+        desktop.Exit();
+    }
+};
+
+QTEST_MAIN(SeccionTopografica)
+#include "tst_seccion_topografica.moc"

@@ -1,0 +1,138 @@
+#!/usr/bin/python3
+"""Tests of "cauce seccion": the level table of a section from its survey points, run as a user runs it.
+
+The outputs are read back with Python's csv and json readers, the written record with openpyxl and
+through Form2 driven by "cauce guion" (what the screen reads from the boxes), and a refused write is
+checked to leave the workbook's bytes as they were.
+
+Environment: CAUCE (the program), CAUCE_EJEMPLOS (the bundled example workbooks).
+"""
+import csv
+import io
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+import openpyxl
+
+CAUCE = os.environ.get("CAUCE", "cauce")
+EXAMPLES = os.environ.get("CAUCE_EJEMPLOS", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
+
+# A bar in mid-channel: its stack is known exactly (two V's side by side up to the bar's crest).
+ISLOTE = "abscisa;cota\n0;105\n2;100\n4;103\n6;100\n8;105\n"
+ISLOTE_NIVELES = [(100, 0), (103, 6.4), (105, 8)]
+
+
+class Seccion(unittest.TestCase):
+    def setUp(self):
+        self.dir = tempfile.mkdtemp(prefix="cauce-seccion-")
+        shutil.copy(os.path.join(EXAMPLES, "Rios.xlsx"), self.path("Rios.xlsx"))
+        self.env = dict(os.environ, CAUCE_DATOS=self.path("datos"), LC_ALL="C.UTF-8")
+        self.write("islote.csv", ISLOTE)
+
+    def tearDown(self):
+        shutil.rmtree(self.dir, ignore_errors=True)
+
+    def path(self, name):
+        return os.path.join(self.dir, name)
+
+    def write(self, name, text):
+        with open(self.path(name), "w", encoding="utf-8") as f:
+            f.write(text)
+
+    def run_cauce(self, *args, stdin=None):
+        return subprocess.run([CAUCE, *args], cwd=self.dir, env=self.env, input=stdin, capture_output=True,
+                              text=True, timeout=120)
+
+    def ok(self, *args, stdin=None):
+        r = self.run_cauce(*args, stdin=stdin)
+        self.assertEqual(r.returncode, 0, r.stderr)
+        return r.stdout
+
+    def test_formats(self):
+        j = json.loads(self.ok("seccion", "islote.csv", "--formato", "json"))
+        self.assertEqual([(n["z"], n["t"]) for n in j["niveles"]], ISLOTE_NIVELES)
+        self.assertLess(j["error_area"], 1e-9)
+        self.assertEqual(j["error_perimetro"], j["error_perimetro"])  # a number, not NaN
+        self.assertEqual(len(j["avisos"]), 1)
+        self.assertIn("2 tramos separados", j["avisos"][0])
+
+        # CSV: the table, a blank line, then the figures and the warnings.
+        table, _, rest = self.ok("seccion", "islote.csv", "--formato", "csv").partition("\n\n")
+        rows = list(csv.DictReader(io.StringIO(table)))
+        self.assertEqual([(float(r["z"]), float(r["t"])) for r in rows], ISLOTE_NIVELES)
+        figures = list(csv.reader(io.StringIO(rest)))
+        self.assertEqual([f[0] for f in figures], ["error_area", "error_perimetro", "aviso"])
+
+        text = self.ok("seccion", "islote.csv")
+        self.assertIn("Fondo: cota 100; corona (el extremo más bajo): cota 105", text)
+        self.assertIn("Diferencia máxima de área con el levantamiento: 0 %", text)
+
+        # Tab-separated with decimal commas on the standard input, as pasted from a spreadsheet.
+        pasted = "0\t105,5\t\n2,5\t100\t\n5\t105,5\t\n"
+        j = json.loads(self.ok("seccion", "-", "--formato", "json", stdin=pasted))
+        self.assertEqual([(n["z"], n["t"]) for n in j["niveles"]], [(100, 0), (105.5, 5)])
+
+        # Fewer levels asked for: the bed and the top stay.
+        j = json.loads(self.ok("seccion", "islote.csv", "--niveles", "2", "--formato", "json"))
+        self.assertEqual([(n["z"], n["t"]) for n in j["niveles"]], [(100, 0), (105, 8)])
+        self.assertGreater(j["error_area"], 0.01)
+
+    def test_writes_the_record_and_the_screen_reads_it(self):
+        book = self.path("Rios.xlsx")
+        before = [[c.value for c in row] for row in openpyxl.load_workbook(book)["Persecc"].iter_rows()]
+        self.ok("seccion", "islote.csv", "--libro", "Rios.xlsx", "--hoja", "Persecc", "--registro", "3")
+        after = [[c.value for c in row] for row in openpyxl.load_workbook(book)["Persecc"].iter_rows()]
+        head = after[0]
+        for r, (old, new) in enumerate(zip(before, after)):
+            for name, a, b in zip(head, old, new):
+                level = r == 3 and name and name[0] in "zt" and name[1:].isdigit()
+                if not level:
+                    self.assertEqual(a, b, "row %d column %s changed" % (r, name))
+        record = dict(zip(head, after[3]))
+        for j in range(1, 16):
+            expect = ISLOTE_NIVELES[j - 1] if j <= 3 else (None, None)
+            self.assertEqual((record["z%d" % j], record["t%d" % j]), expect, j)
+
+        # Form2 shows the record's levels in its level table and computes the section from them.
+        script = "pantalla Form2\nlibro Rios.xlsx\nregistro 3\nmostrar\n"
+        shown = json.loads(self.ok("guion", stdin=script).splitlines()[-1])
+        self.assertEqual([shown["Text%d" % k] for k in range(1, 9)], ["100", "0", "103", "6.4", "105", "8", "", ""])
+
+    def test_refusals(self):
+        book = self.path("Rios.xlsx")
+        with open(book, "rb") as f:
+            original = f.read()
+        self.write("malo.csv", "0;105\n5;cien\n10;105\n")
+        self.write("cero.csv", "0;5\n5;0\n10;5\n")
+        cases = [
+            # (arguments, exit status, message)
+            (["malo.csv"], 1, "malo.csv: Línea 2: «5;cien» no son dos números (abscisa y cota)."),
+            (["no-existe.csv"], 1, "No se puede leer el archivo de puntos no-existe.csv."),
+            (["malo.csv", "--libro", "Rios.xlsx", "--hoja", "Persecc", "--registro", "1"], 1, "Línea 2"),
+            (["islote.csv", "--libro", "Rios.xlsx", "--hoja", "Persecc", "--registro", "40"], 1,
+             'El registro 40 no existe: la hoja "Persecc" tiene 12 registros.'),
+            (["islote.csv", "--libro", "Rios.xlsx", "--hoja", "Canales", "--registro", "1"], 1,
+             'La hoja "Canales" no tiene la tabla de niveles (columnas z1..z15 y t1..t15); no se escribió nada.'),
+            (["cero.csv", "--libro", "Rios.xlsx", "--hoja", "Persecc", "--registro", "1"], 1,
+             "un nivel tiene la cota 0"),
+            (["islote.csv", "--niveles", "16"], 2, '--niveles: "16" no es un número de niveles de 2 a 15'),
+            (["islote.csv", "--registro", "2"], 2, "--hoja y --registro piden --libro"),
+            (["islote.csv", "--formato", "xml"], 2, "xml"),
+            ([], 2, "falta el archivo de PUNTOS"),
+        ]
+        for args, status, message in cases:
+            with self.subTest(args=args):
+                r = self.run_cauce("seccion", *args)
+                self.assertEqual(r.returncode, status, r.stderr)
+                self.assertIn(message, r.stderr)
+                self.assertEqual(r.stdout, "")
+        with open(book, "rb") as f:
+            self.assertEqual(f.read(), original)
+
+
+if __name__ == "__main__":
+    unittest.main()
