@@ -26,6 +26,7 @@
 #include "reach/book.hpp"
 #include "reach/csv.hpp"
 #include "reach/run.hpp"
+#include "screens/natural_screen.hpp"
 
 namespace cauce::app {
 
@@ -347,7 +348,7 @@ bool FileActions::Print(QPagedPaintDevice& device) {
 QStringList FileActions::TableNames() const {
     QStringList names;
     for (const auto& t : FindTables(model_)) {
-        const bool levels = t.Locate("Text1").first >= 0;
+        const bool levels = t.Locate(screens::section::LevelElevation(1)).first >= 0;
         names << (levels ? QStringLiteral("Tabla de niveles") : QStringLiteral("Tabla del perfil"));
     }
     return names;

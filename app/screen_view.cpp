@@ -16,6 +16,7 @@
 #include "app/partial_number.hpp"
 #include "app/section_sketch.hpp"
 #include "hydraulics/fault.hpp"
+#include "screens/registry.hpp"
 
 namespace cauce::app {
 
@@ -144,7 +145,7 @@ void ScreenView::Refresh() {
                 break;
             case Kind::PictureBox:
                 static_cast<FigureWidget*>(w)->SetPicture(
-                    c.text, c.name == "Picture1" ? SketchOf(model_) : std::nullopt);
+                    c.text, c.name == screens::kSectionPicture ? SketchOf(model_) : std::nullopt);
                 break;
             case Kind::Data:
                 navigator_->Show(text, model_.Record(), model_.RecordCount(), model_.Source() != nullptr);
@@ -159,8 +160,8 @@ void ScreenView::Typed(const std::string& name, const QString& text) {
     model_.Type(name, text.toStdString());
     MarkReading(Box(name));
     // The picture follows the boxes it is drawn from.
-    if (auto* picture = Picture("Picture1"))
-        picture->SetPicture(model_.Get("Picture1").text, SketchOf(model_));
+    if (auto* picture = Picture(screens::kSectionPicture))
+        picture->SetPicture(model_.Get(screens::kSectionPicture).text, SketchOf(model_));
 }
 
 void ScreenView::MarkReading(QLineEdit* box) {

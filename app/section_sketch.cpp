@@ -12,13 +12,16 @@
 #include "app/figures.hpp"
 #include "forms/format.hpp"
 #include "forms/val.hpp"
+#include "screens/form1.hpp"
 #include "screens/natural_screen.hpp"
+#include "screens/registry.hpp"
 
 namespace cauce::app {
 
 namespace {
 
 namespace d = drawing;
+namespace form1 = screens::form1;
 
 // The number a box holds as the screens read it; nothing when it is not a finite number.
 std::optional<double> BoxValue(const forms::Screen& screen, std::string_view name) {
@@ -46,13 +49,13 @@ struct Level {
     double z, t;
 };
 
-// The level table Text1..Text30 as shown: levels up to the first zero elevation. Empty when the
+// The level table as shown: levels up to the first zero elevation. Empty when the
 // elevations do not rise or a width is negative: such a table draws nothing.
 std::vector<Level> ShownLevels(const forms::Screen& screen) {
     std::vector<Level> levels;
     for (int j = 1; j <= 15; ++j) {
-        const auto z = BoxValue(screen, "Text" + std::to_string(2 * j - 1));
-        const auto t = BoxValue(screen, "Text" + std::to_string(2 * j));
+        const auto z = BoxValue(screen, screens::section::LevelElevation(j));
+        const auto t = BoxValue(screen, screens::section::LevelWidth(j));
         if (!z || !t) return {};
         if (*z == 0) break;
         if (*t < 0 || (!levels.empty() && *z <= levels.back().z)) return {};
@@ -71,7 +74,7 @@ std::optional<SectionSketch> NaturalSketch(const forms::Screen& screen, const sc
     const std::vector<Level> levels = ShownLevels(screen);
     if (levels.empty()) return std::nullopt;
     const natural::State& st = model.State();
-    const auto number = BoxValue(screen, "Text62");
+    const auto number = BoxValue(screen, screens::section::box::SectionNumber);
     const int s = number && *number >= 1 && *number <= kMaxSection && *number == std::floor(*number)
                       ? static_cast<int>(*number)
                       : 0;
@@ -121,31 +124,32 @@ std::optional<SectionSketch> NaturalSketch(const forms::Screen& screen, const sc
 
 // The prismatic-channel screen: the section from its data boxes once a result has been written.
 std::optional<SectionSketch> PrismaticSketch(const forms::Screen& screen, Figure figure) {
-    const forms::Control* velocity = screen.Find("Text11");
+    const forms::Control* velocity = screen.Find(form1::box::Velocity);
     if (!velocity || velocity->text.empty()) return std::nullopt;
-    const auto yn = BoxValue(screen, "Text9");
+    const auto yn = BoxValue(screen, form1::box::NormalDepth);
     if (!yn || *yn <= 0) return std::nullopt;
-    const auto yc = BoxValue(screen, "Text12");
+    const auto yc = BoxValue(screen, form1::box::CriticalDepth);
     SectionSketch k;
     k.water = *yn;
     if (yc && *yc > 0) k.critical = *yc;
     const bool conduit =
         figure == Figure::Circulo || figure == Figure::Circulo2 || figure == Figure::Circulo3;
     if (conduit) {
-        const auto dia = BoxValue(screen, "Text3");
+        const auto dia = BoxValue(screen, form1::box::Diameter);
         if (!dia || *dia <= 0 || *yn > *dia) return std::nullopt;
         k.diameter = *dia;
         if (k.critical && *k.critical > *dia) k.critical.reset();
         k.caption = QStringLiteral("D ") + Metres(*dia) + QStringLiteral(" · Yn ") + Metres(*yn);
     } else {
-        const double b = BoxValue(screen, "Text3").value_or(-1), z = BoxValue(screen, "Text4").value_or(-1);
+        const double b = BoxValue(screen, form1::box::Base).value_or(-1),
+                     z = BoxValue(screen, form1::box::SideSlope).value_or(-1);
         if (b < 0 || z < 0 || b + z <= 0) return std::nullopt;
-        const double h = std::max(0.0, BoxValue(screen, "Text5").value_or(0));
+        const double h = std::max(0.0, BoxValue(screen, form1::box::BankHeight).value_or(0));
         const bool flowing =
             figure == Figure::Ctrapez || figure == Figure::Ctrian || figure == Figure::Crectg;
         if (flowing && h > 0 && *yn > h) {
             const double tb = b + 2 * z * h;
-            double bz = BoxValue(screen, "Text6").value_or(tb);
+            double bz = BoxValue(screen, form1::box::FloodWidth).value_or(tb);
             if (!(bz >= tb)) bz = tb;
             const double top = *yn + std::max(0.3 * (*yn - h), 0.08 * *yn);
             k.ground << Wall(-bz / 2, h, top, -1);
@@ -216,7 +220,7 @@ Frame FitFrame(const QRectF& box, const SectionSketch& k) {
 }  // namespace
 
 std::optional<SectionSketch> SketchOf(const forms::Screen& screen) {
-    const forms::Control* picture = screen.Find("Picture1");
+    const forms::Control* picture = screen.Find(screens::kSectionPicture);
     if (!picture) return std::nullopt;
     const Figure figure = FigureFromText(picture->text);
     if (!IsSectionFigure(figure)) return std::nullopt;

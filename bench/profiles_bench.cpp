@@ -11,6 +11,8 @@
 
 namespace {
 
+namespace profile = cauce::screens::profile;
+
 // Sections 1 (upstream) to 15, each computed with "(Y?)"; the one numbered N comes last.
 std::unique_ptr<cauce::forms::Screen> ReadyReach() {
     auto s = cauce::screens::MakeScreen("Form2");
@@ -18,35 +20,35 @@ std::unique_ptr<cauce::forms::Screen> ReadyReach() {
     for (int i = 1; i <= 15; ++i) {
         double bed = 100.0012;
         for (int j = i + 1; j <= 15; ++j) bed += slope(j) * 80;
-        s->Type("Text61", "15");
-        s->Type("Text62", std::to_string(i));
-        s->Type("Text1", std::to_string(bed));
-        s->Type("Text2", "3");
-        s->Type("Text3", std::to_string(bed + 3));
-        s->Type("Text4", "3");
-        s->Type("Text93", "0.015");
-        s->Type("Text94", std::to_string(slope(i)));
-        s->Type("Text95", "6");
-        s->Type("Text" + std::to_string(29 + 2 * i), std::to_string(80.0 * (i - 1)));
-        s->Click("Command2");
+        s->Type(profile::box::SectionCount, "15");
+        s->Type(profile::box::SectionNumber, std::to_string(i));
+        s->Type(profile::LevelElevation(1), std::to_string(bed));
+        s->Type(profile::LevelWidth(1), "3");
+        s->Type(profile::LevelElevation(2), std::to_string(bed + 3));
+        s->Type(profile::LevelWidth(2), "3");
+        s->Type(profile::box::Roughness, "0.015");
+        s->Type(profile::box::Slope, std::to_string(slope(i)));
+        s->Type(profile::box::Discharge, "6");
+        s->Type(profile::TableChainage(i), std::to_string(80.0 * (i - 1)));
+        s->Click(profile::button::Section);
     }
-    s->Type("Text98", "1.6");
+    s->Type(profile::box::StartDepth, "1.6");
     return s;
 }
 
 void BM_Perfiles15Secciones(benchmark::State& state) {
     auto s = ReadyReach();
-    for (auto _ : state) benchmark::DoNotOptimize(s->Click("Command1"));
+    for (auto _ : state) benchmark::DoNotOptimize(s->Click(profile::button::Profiles));
     if (s->LastError()) state.SkipWithError(s->LastError()->c_str());
     std::string types;
-    for (int j = 1; j <= 15; ++j) types += s->Get("Text" + std::to_string(30 + 2 * j)).text + " ";
+    for (int j = 1; j <= 15; ++j) types += s->Get(profile::TableType(j)).text + " ";
     state.SetLabel(types);
 }
 BENCHMARK(BM_Perfiles15Secciones)->Unit(benchmark::kMicrosecond);
 
 void BM_ProfileRun15Sections(benchmark::State& state) {
     auto s = ReadyReach();
-    s->Click("Command1");
+    s->Click(profile::button::Profiles);
     cauce::natural::State st = static_cast<const cauce::screens::ProfileScreen&>(*s).State();
     for (auto _ : state) {
         cauce::profiles::SetStartDepth(st, 1.6);

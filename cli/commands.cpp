@@ -7,7 +7,7 @@
 #include "cli/command.hpp"
 #include "cli/spanish.hpp"
 
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
 #include "workbook/install.hpp"
 #endif
 
@@ -21,7 +21,7 @@ std::vector<Command>& Registered() {
 }  // namespace
 
 void InstallWorkbooks() {
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
     workbook::Install();
 #endif
 }

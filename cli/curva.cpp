@@ -15,12 +15,17 @@
 #include "forms/binding.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
+#include "screens/form1.hpp"
+#include "screens/form5.hpp"
 
 namespace cauce::cli {
 
 using namespace reach;
 
 namespace {
+
+namespace form1 = screens::form1;
+namespace form5 = screens::form5;
 
 // Points of one call: plenty for any curve, few enough to finish in seconds.
 constexpr long kMaxPoints = 5000;
@@ -53,10 +58,13 @@ Source Which(const Options& o) {
     const bool record = !o.book.empty();
     const int given = int(channel) + int(conduit) + int(record);
     if (given == 0)
-        throw UsageError("diga de qué sección es la curva: un LIBRO con --registro, un canal (--base, --talud, ...) o un "
-                         "conducto (--diametro)");
-    if (record && conduit) throw UsageError("--diametro no va con un LIBRO: la curva es de un registro o de un conducto");
-    if (channel && conduit) throw UsageError("--diametro no va con --base ni --talud: elija canal o conducto");
+        throw UsageError(
+            "diga de qué sección es la curva: un LIBRO con --registro, un canal (--base, --talud, ...) o un "
+            "conducto (--diametro)");
+    if (record && conduit)
+        throw UsageError("--diametro no va con un LIBRO: la curva es de un registro o de un conducto");
+    if (channel && conduit)
+        throw UsageError("--diametro no va con --base ni --talud: elija canal o conducto");
     if (record && (!c.b.empty() || !c.z.empty()))
         throw UsageError("--base y --talud no van con un LIBRO: la sección es la del registro");
     if (!record && (!o.sheet.empty() || !o.record.empty()))
@@ -73,10 +81,11 @@ std::vector<std::string> Discharges(const Options& o) {
     if (to < from) throw UsageError("--hasta (" + o.to + ") es menor que --desde (" + o.from + ")");
     const double count = std::floor((to - from) / step * (1 + 1e-12) + 1e-9) + 1;
     if (count > kMaxPoints)
-        throw UsageError("son " + NumberText(count) + " caudales; el máximo es " + std::to_string(kMaxPoints) +
-                         " (aumente --paso)");
+        throw UsageError("son " + NumberText(count) + " caudales; el máximo es " +
+                         std::to_string(kMaxPoints) + " (aumente --paso)");
     std::vector<std::string> qs;
-    for (long k = 0; k < static_cast<long>(count); ++k) qs.push_back(NumberText(from + static_cast<double>(k) * step));
+    for (long k = 0; k < static_cast<long>(count); ++k)
+        qs.push_back(NumberText(from + static_cast<double>(k) * step));
     return qs;
 }
 
@@ -84,12 +93,12 @@ Point FromForm1(const forms::Screen& s, const std::string& q) {
     Point p;
     p.q = q;
     p.fault = s.LastError().has_value();
-    p.notice = s.LastError() ? *s.LastError() : s.Get("Label21").text;
-    p.ok = !s.LastError() && !s.Get("Text9").text.empty();
+    p.notice = s.LastError() ? *s.LastError() : s.Get(form1::label::Message).text;
+    p.ok = !s.LastError() && !s.Get(form1::box::NormalDepth).text.empty();
     if (p.ok) {
-        p.yn = s.Get("Text9").text;
-        p.yc = s.Get("Text12").text;
-        p.v = s.Get("Text11").text;
+        p.yn = s.Get(form1::box::NormalDepth).text;
+        p.yc = s.Get(form1::box::CriticalDepth).text;
+        p.v = s.Get(form1::box::Velocity).text;
     }
     return p;
 }
@@ -98,17 +107,25 @@ Point FromForm5(const forms::Screen& s, const std::string& q) {
     Point p;
     p.q = q;
     p.fault = s.LastError().has_value();
-    const std::string& message = s.Get("Label31").text;
+    const std::string& message = s.Get(form5::label::Message).text;
     p.notice = s.LastError() ? *s.LastError() : message;
-    if (!s.Get("Label26").text.empty() && s.Get("Label26").text != "ZONA INUNDABLE:")
-        p.notice = s.Get("Label26").text + (p.notice.empty() ? "" : "; " + p.notice);
+    const std::string& table = s.Get(form5::label::FloodZone).text;
+    if (!table.empty() && table != "ZONA INUNDABLE:")
+        p.notice = table + (p.notice.empty() ? "" : "; " + p.notice);
     p.ok = !s.LastError() && (message.empty() || message == natural::kDesbordamiento);
     if (p.ok) {
-        p.yn = s.Get("Text99").text;
-        p.yc = s.Get("Text100").text;
-        p.v = s.Get("Text104").text;
+        p.yn = s.Get(form5::box::NormalDepth).text;
+        p.yc = s.Get(form5::box::CriticalDepth).text;
+        p.v = s.Get(form5::box::Velocity).text;
     }
     return p;
+}
+
+// A channel with a bank height marks its bank-full discharge once.
+void MarkBankfull(Curve& c, const forms::Screen& s) {
+    const std::string& full = s.Get(form1::box::BankfullDischarge).text;
+    if (c.marks.empty() && s.Get(form1::label::BankfullDischarge).text == "Q lleno" && !full.empty())
+        c.marks.push_back({"Q lleno", full});
 }
 
 template <typename RunOne>
@@ -130,9 +147,11 @@ Curve RecordCurve(const Options& o, const std::vector<std::string>& qs) {
         sheet = DefaultSheet(o.book, why);
         if (sheet.empty()) throw Fault(why + " Dé la hoja con --hoja.");
     }
-    if (o.record.empty()) throw UsageError("falta --registro: la fila de la hoja (1 es la primera bajo los encabezados)");
+    if (o.record.empty())
+        throw UsageError("falta --registro: la fila de la hoja (1 es la primera bajo los encabezados)");
     const double r = NumberOption("--registro", o.record, Sign::Positive);
-    if (r != std::floor(r) || r > 1e6) throw UsageError("--registro: \"" + o.record + "\" no es un número de fila");
+    if (r != std::floor(r) || r > 1e6)
+        throw UsageError("--registro: \"" + o.record + "\" no es un número de fila");
     const int record = static_cast<int>(r);
     const auto source = opener(o.book, sheet);  // throws Fault with the reason
     if (record > source->RecordCount())
@@ -142,13 +161,15 @@ Curve RecordCurve(const Options& o, const std::vector<std::string>& qs) {
     if (source->HasColumn("z1")) {
         const ChannelInput& ch = o.channel;
         if (!ch.h.empty() || !ch.Bz.empty() || !ch.nz.empty() || !ch.n.empty() || !ch.S.empty())
-            throw UsageError("la sección natural del registro trae su rugosidad, pendiente y zona inundable: "
-                             "quite --rugosidad, --pendiente, --altura, --ancho-zona y --rugosidad-zona");
+            throw UsageError(
+                "la sección natural del registro trae su rugosidad, pendiente y zona inundable: "
+                "quite --rugosidad, --pendiente, --altura, --ancho-zona y --rugosidad-zona");
         const std::string secid = source->HasColumn("SecId") ? source->Get(record, "SecId") : "";
         c.subtitle = "Sección " + secid + " de " + source->Path() + " (Form5, \"(Y?)\")";
         March(c, qs, [&](const std::string& q) {
             const auto s = RunNaturalSection(*source, record, q);
-            if (c.marks.empty() && !s->Get("Text101").text.empty()) c.marks.push_back({"Q lleno", s->Get("Text101").text});
+            const std::string& full = s->Get(form5::box::BankfullDischarge).text;
+            if (c.marks.empty() && !full.empty()) c.marks.push_back({"Q lleno", full});
             return FromForm5(*s, q);
         });
         return c;
@@ -156,34 +177,34 @@ Curve RecordCurve(const Options& o, const std::vector<std::string>& qs) {
     if (source->HasColumn("Base") && source->HasColumn("Talud")) {
         ChannelInput in = o.channel;
         if (!in.n.empty() || !in.S.empty())
-            throw UsageError("el canal del registro trae su rugosidad y su pendiente: quite --rugosidad y --pendiente");
+            throw UsageError(
+                "el canal del registro trae su rugosidad y su pendiente: quite --rugosidad y --pendiente");
         in.n = source->Get(record, "Rugosidad");
         in.S = source->Get(record, "Pendiente");
         in.b = source->Get(record, "Base");
         in.z = source->Get(record, "Talud");
-        c.subtitle = "Canal de " + source->Path() + ": base " + in.b + " m, talud " + in.z + ", n " + in.n + ", S " +
-                     in.S + " (Form1, \"Yn?\")";
+        c.subtitle = "Canal de " + source->Path() + ": base " + in.b + " m, talud " + in.z + ", n " + in.n +
+                     ", S " + in.S + " (Form1, \"Yn?\")";
         March(c, qs, [&](const std::string& q) {
             const auto s = RunChannel(in, Given::Discharge, q);
-            if (c.marks.empty() && s->Get("Label14").text == "Q lleno" && !s->Get("Text14").text.empty())
-                c.marks.push_back({"Q lleno", s->Get("Text14").text});
+            MarkBankfull(c, *s);
             return FromForm1(*s, q);
         });
         return c;
     }
-    throw Fault("La hoja \"" + sheet + "\" no describe secciones (columnas z1, t1, ...) ni canales (Base, Talud).");
+    throw Fault("La hoja \"" + sheet +
+                "\" no describe secciones (columnas z1, t1, ...) ni canales (Base, Talud).");
 }
 
 Curve ChannelCurve(const Options& o, const std::vector<std::string>& qs) {
     Curve c;
     const ChannelInput& in = o.channel;
     c.title = "Curva de gasto de un canal";
-    c.subtitle = "Base " + (in.b.empty() ? "0" : in.b) + " m, talud " + (in.z.empty() ? "0" : in.z) + ", n " + in.n +
-                 ", S " + in.S + (in.h.empty() ? "" : ", altura " + in.h + " m") + " (Form1, \"Yn?\")";
+    c.subtitle = "Base " + (in.b.empty() ? "0" : in.b) + " m, talud " + (in.z.empty() ? "0" : in.z) + ", n " +
+                 in.n + ", S " + in.S + (in.h.empty() ? "" : ", altura " + in.h + " m") + " (Form1, \"Yn?\")";
     March(c, qs, [&](const std::string& q) {
         const auto s = RunChannel(in, Given::Discharge, q);
-        if (c.marks.empty() && s->Get("Label14").text == "Q lleno" && !s->Get("Text14").text.empty())
-            c.marks.push_back({"Q lleno", s->Get("Text14").text});
+        MarkBankfull(c, *s);
         return FromForm1(*s, q);
     });
     return c;
@@ -198,9 +219,11 @@ Curve ConduitCurve(const Options& o, const std::vector<std::string>& qs) {
     c.subtitle = "Diámetro " + in.D + " m, n " + in.n + ", S " + in.S + " (Form1, \"Yn?\")";
     March(c, qs, [&](const std::string& q) {
         const auto s = RunConduit(in, Given::Discharge, q);
-        if (c.marks.empty() && !s->Get("Text4").text.empty() && !s->Get("Text5").text.empty()) {
-            c.marks.push_back({"Q lleno", s->Get("Text4").text});
-            c.marks.push_back({"Q Máximo", s->Get("Text5").text});
+        const std::string& full = s->Get(form1::box::FullDischarge).text;
+        const std::string& max = s->Get(form1::box::MaxDischarge).text;
+        if (c.marks.empty() && !full.empty() && !max.empty()) {
+            c.marks.push_back({"Q lleno", full});
+            c.marks.push_back({"Q Máximo", max});
         }
         return FromForm1(*s, q);
     });
@@ -219,8 +242,8 @@ void PrintText(const Curve& c) {
 void PrintCsv(const Curve& c) {
     std::cout << "caudal_m3s,yn_m,yc_m,v_ms,aviso\n";
     for (const auto& p : c.points)
-        std::cout << CsvField(p.q) << "," << CsvField(p.yn) << "," << CsvField(p.yc) << "," << CsvField(p.v) << ","
-                  << CsvField(p.notice) << "\n";
+        std::cout << CsvField(p.q) << "," << CsvField(p.yn) << "," << CsvField(p.yc) << "," << CsvField(p.v)
+                  << "," << CsvField(p.notice) << "\n";
 }
 
 CurvePlot PlotOf(const Curve& c, const Options& o) {
@@ -249,9 +272,15 @@ int Run(const Options& o) {
     Curve c;
     try {
         switch (source) {
-            case Source::Record: c = RecordCurve(o, qs); break;
-            case Source::Channel: c = ChannelCurve(o, qs); break;
-            case Source::Conduit: c = ConduitCurve(o, qs); break;
+            case Source::Record:
+                c = RecordCurve(o, qs);
+                break;
+            case Source::Channel:
+                c = ChannelCurve(o, qs);
+                break;
+            case Source::Conduit:
+                c = ConduitCurve(o, qs);
+                break;
         }
     } catch (const Fault& f) {
         std::cerr << "cauce curva: " << f.what() << "\n";
@@ -274,13 +303,16 @@ int Run(const Options& o) {
     }
     if (computed == 0) {
         std::cerr << "cauce curva: ningún caudal dio una profundidad normal"
-                  << (c.points.empty() || c.points.front().notice.empty() ? "" : ": " + c.points.front().notice) << "\n";
+                  << (c.points.empty() || c.points.front().notice.empty() ? ""
+                                                                          : ": " + c.points.front().notice)
+                  << "\n";
         status = kExitData;
     }
     if (!o.png.empty()) {
         const CurvePlot plot = PlotOf(c, o);
         if (plot.points.size() < 2) {
-            std::cerr << "cauce curva: no se dibuja " << o.png << ": hacen falta al menos dos puntos calculados\n";
+            std::cerr << "cauce curva: no se dibuja " << o.png
+                      << ": hacen falta al menos dos puntos calculados\n";
             return kExitData;
         }
         const std::string why = WriteCurvePng(plot, o.png);
@@ -296,11 +328,14 @@ int Run(const Options& o) {
 
 Command AddCurva(CLI::App& parent) {
     static Options o;
-    CLI::App* app = parent.add_subcommand("curva", "Curva de gasto (profundidad normal contra caudal) de una sección");
-    app->add_option("LIBRO", o.book, "Libro de Excel con la sección (con --hoja y --registro)")->type_name("");
+    CLI::App* app =
+        parent.add_subcommand("curva", "Curva de gasto (profundidad normal contra caudal) de una sección");
+    app->add_option("LIBRO", o.book, "Libro de Excel con la sección (con --hoja y --registro)")
+        ->type_name("");
     app->add_option("--hoja", o.sheet, "Hoja del libro (Persecc, Percanal, Zorvena, \"secciones \", Canales)")
         ->type_name("NOMBRE");
-    app->add_option("--registro", o.record, "Fila de la hoja (1 es la primera bajo los encabezados)")->type_name("N");
+    app->add_option("--registro", o.record, "Fila de la hoja (1 es la primera bajo los encabezados)")
+        ->type_name("N");
     ChannelOptions(app, o.channel);
     ConduitOptions(app, o.conduit, false);
     app->add_option("--desde", o.from, "Primer caudal (m3/s)")->type_name("Q");
@@ -315,9 +350,11 @@ Command AddCurva(CLI::App& parent) {
         "conducto).\n"
         "Ejemplos:\n"
         "  cauce curva Rios.xlsx --hoja Persecc --registro 3 --desde 5 --hasta 80 --paso 5\n"
-        "  cauce curva --base 2 --talud 1.5 --rugosidad 0.015 --pendiente 0.001 --desde 1 --hasta 20 --paso 1 \\\n"
+        "  cauce curva --base 2 --talud 1.5 --rugosidad 0.015 --pendiente 0.001 --desde 1 --hasta 20 --paso "
+        "1 \\\n"
         "              --formato csv --png curva.png\n"
-        "  cauce curva --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --desde 0.05 --hasta 1.2 --paso 0.05");
+        "  cauce curva --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --desde 0.05 --hasta 1.2 --paso "
+        "0.05");
     return {app, [] { return Guarded("curva", [] { return Run(o); }); }};
 }
 

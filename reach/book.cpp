@@ -6,7 +6,7 @@
 #include "hydraulics/fault.hpp"
 #include "screens/registry.hpp"
 
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
 #include "workbook/new_workbook.hpp"
 #include "workbook/record_rows.hpp"
 #include "workbook/save_file.hpp"
@@ -43,7 +43,7 @@ const std::vector<std::string>& ReachWideColumns() {
     return columns;
 }
 
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
 
 namespace {
 

@@ -9,10 +9,12 @@
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
 #include "hydraulics/profiles/profile.hpp"
+#include "screens/form3.hpp"
 #include "screens/natural_screen.hpp"
+#include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
 #include "workbook/data_folder.hpp"
 #include "workbook/workbook.hpp"
 #endif
@@ -21,25 +23,11 @@ namespace cauce::reach {
 
 namespace {
 
-std::string T(int n) {
-    return "Text" + std::to_string(n);
-}
+namespace section = screens::section;
 
-// The boxes of each profile screen that the run types into and reads from.
-struct Boxes {
-    const char* depth;  // the depth at the last section
-    const char* depth_label;
-    const char *yn, *yc, *roughness, *slope, *discharge, *flood_width, *flood_roughness;
-    int type0, zw0, v0, ysoc0;  // box of row j is Text(base + j); type boxes are Text(type0 + 2j); 0: none
-};
-
-const Boxes kProfileBoxes{"Text98", "Label32", "Text99", "Text100", "Text93", "Text94", "Text95",
-                          "Text96", "Text97",  30,       62,        77,       0};
-const Boxes kScourBoxes{"Text128", "Label5",  "Text129", "Text130", "Text123", "Text124", "Text125",
-                        "Text126", "Text127", 0,         75,        90,        105};
-
-const Boxes& BoxesOf(const ReachKind& kind) {
-    return kind.scour ? kScourBoxes : kProfileBoxes;
+// The controls of each profile screen that the run types into and reads from.
+const screens::ReachControls& BoxesOf(const ReachKind& kind) {
+    return kind.scour ? screens::form3::kReach : screens::profile::kReach;
 }
 
 std::string Trim(std::string_view s) {
@@ -100,30 +88,30 @@ void Append(std::string& to, const std::string& what) {
 }
 
 SectionInput ReadInput(const forms::Screen& s, const ReachKind& kind) {
-    const Boxes& b = BoxesOf(kind);
+    const screens::ReachControls& b = BoxesOf(kind);
     SectionInput in;
-    in.secid = s.Get("Text62").text;
-    in.sections = s.Get("Text61").text;
+    in.secid = s.Get(section::box::SectionNumber).text;
+    in.sections = s.Get(section::box::SectionCount).text;
     for (int j = 1; j <= 15; ++j) {
-        const std::string& z = s.Get(T(2 * j - 1)).text;
+        const std::string& z = s.Get(section::LevelElevation(j)).text;
         if (forms::Val(z) == 0) break;  // the screen's level count ends here too
-        in.levels.emplace_back(z, s.Get(T(2 * j)).text);
+        in.levels.emplace_back(z, s.Get(section::LevelWidth(j)).text);
     }
-    in.roughness = s.Get(b.roughness).text;
-    in.slope = s.Get(b.slope).text;
-    in.discharge = s.Get(b.discharge).text;
-    in.flood_width = s.Get(b.flood_width).text;
-    in.flood_roughness = s.Get(b.flood_roughness).text;
+    in.roughness = s.Get(b.section.n).text;
+    in.slope = s.Get(b.section.s0).text;
+    in.discharge = s.Get(b.section.q).text;
+    in.flood_width = s.Get(b.section.b).text;
+    in.flood_roughness = s.Get(b.section.nz).text;
     if (kind.scour) {
-        in.chainage = s.Get("Text131").text;
-        in.grain_size = s.Get("Text122").text;
+        in.chainage = s.Get(screens::form3::box::Chainage).text;
+        in.grain_size = s.Get(screens::form3::box::GrainSize).text;
     }
     return in;
 }
 
 // "(Y?)" on the record shown.
 SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record) {
-    const Boxes& b = BoxesOf(kind);
+    const screens::ReachControls& b = BoxesOf(kind);
     const auto& model = dynamic_cast<const screens::NaturalScreen&>(s);
     SectionResult r;
     r.record = record;
@@ -132,10 +120,10 @@ SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record
     } catch (const Fault&) {
         // A level box that overflows: "(Y?)" below reports the fault.
     }
-    const auto fault = s.Click("Command2");
+    const auto fault = s.Click(section::button::Section);
     const natural::State& st = model.State();
     r.section = st.i;
-    const std::string message = s.Get("Label31").text;
+    const std::string message = s.Get(section::label::Message).text;
     if (fault) {
         // A faulty section table is usually why the click faulted: it is told too.
         r.notice = TableMessage(st, st.i);
@@ -166,8 +154,8 @@ SectionResult ComputeSection(forms::Screen& s, const ReachKind& kind, int record
         return r;
     }
     if (!r.computed) return r;
-    r.yn = s.Get(b.yn).text;
-    r.yc = s.Get(b.yc).text;
+    r.yn = s.Get(b.section.yn).text;
+    r.yc = s.Get(b.section.yc).text;
     return r;
 }
 
@@ -248,14 +236,14 @@ const ReachKind* KindOfSheet(std::string_view sheet) {
     return nullptr;
 }
 
-const char* DepthBox(const ReachKind& kind) { return BoxesOf(kind).depth; }
+forms::ControlName DepthBox(const ReachKind& kind) { return BoxesOf(kind).depth; }
 
 std::string KindList() {
     return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)";
 }
 
 std::string DefaultSheet(const std::string& path, std::string& why) {
-#ifdef CAUCE_HAS_WORKBOOK
+#ifdef CAUCE_WITH_WORKBOOK
     try {
         const auto book = workbook::Workbook::Open(workbook::ResolveWorkbookPath(path));
         const auto names = book->SheetNames();
@@ -290,7 +278,7 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
         return res;
     }
     const ReachKind& kind = *res.kind;
-    const Boxes& b = BoxesOf(kind);
+    const screens::ReachControls& b = BoxesOf(kind);
     res.depth = kind.scour ? options.y_final : options.y_initial;
     if (res.depth.empty()) {
         res.error = std::string("La hoja \"") + kind.sheet + "\" (" + kind.form + ") necesita " +
@@ -320,14 +308,14 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
     }
     const auto& st = dynamic_cast<const screens::NaturalScreen&>(*screen).State();
     res.n_sections = st.N;
-    if (screen->Get("Command1").text != "Perfiles") {
+    if (screen->Get(section::button::Profiles).text != "Perfiles") {
         res.error = "La última sección no se pudo calcular: \"Perfiles\" no se activó.";
         return res;
     }
 
     screen->Type(b.depth, res.depth);
-    const std::string before = screen->Get("Label31").text;
-    if (const auto fault = screen->Click("Command1")) {
+    const std::string before = screen->Get(section::label::Message).text;
+    if (const auto fault = screen->Click(section::button::Profiles)) {
         res.error = "El cálculo del perfil se detuvo: " + *fault;
         return res;
     }
@@ -338,23 +326,23 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
         res.error = asked + " (" + kind.option + ")";
         return res;
     }
-    if (screen->Get("Label31").text != before) {
-        res.error = screen->Get("Label31").text;
+    if (screen->Get(section::label::Message).text != before) {
+        res.error = screen->Get(section::label::Message).text;
         return res;
     }
 
     // The table as the screen shows it, rows 1..N (at most the fifteen it has).
-    res.scour = kind.scour && forms::Val(screen->Get("Text122").text) > 0;
+    res.scour = kind.scour && forms::Val(screen->Get(screens::form3::box::GrainSize).text) > 0;
     const int rows = std::min(std::max(st.N, 0), 15);
     try {
         for (int j = 1; j <= rows; ++j) {
             ProfileRow row;
             row.section = j;
             row.chainage = forms::Format(st.X(j), "0.00");
-            row.type = b.type0 ? screen->Get(T(b.type0 + 2 * j)).text : st.Tipo(j);
-            row.zw = screen->Get(T(b.zw0 + j)).text;
-            row.v = screen->Get(T(b.v0 + j)).text;
-            if (res.scour) row.ysoc = screen->Get(T(b.ysoc0 + j)).text;
+            row.type = b.type ? screen->Get(b.type(j)).text : st.Tipo(j);
+            row.zw = screen->Get(b.water_level(j)).text;
+            row.v = screen->Get(b.velocity(j)).text;
+            if (res.scour) row.ysoc = screen->Get(b.scour(j)).text;
             AddFlowValues(st, j, row);
             res.profile.push_back(row);
         }

@@ -29,7 +29,7 @@ const std::vector<ReachKind>& ReachKinds();
 // The kind whose sheet is named so, without regard to case or blanks at the ends; nullptr if none.
 const ReachKind* KindOfSheet(std::string_view sheet);
 // The box of the screen where the depth at the last section is typed.
-const char* DepthBox(const ReachKind& kind);
+forms::ControlName DepthBox(const ReachKind& kind);
 // "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)", for messages.
 std::string KindList();
 

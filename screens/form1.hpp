@@ -12,6 +12,101 @@
 
 namespace cauce::screens {
 
+// Form1's controls by meaning. The conduit's layout gives four boxes of the channel's data another
+// meaning; both names are declared.
+namespace form1 {
+using forms::ControlName;
+
+namespace box {
+// The channel's data (Data1 binds the first four).
+inline constexpr ControlName Roughness{"Text1"};
+inline constexpr ControlName Slope{"Text2"};
+inline constexpr ControlName Base{"Text3"};
+inline constexpr ControlName Diameter{"Text3"};  // conduit layout
+inline constexpr ControlName SideSlope{"Text4"};
+inline constexpr ControlName BankHeight{"Text5"};
+inline constexpr ControlName FloodWidth{"Text6"};
+inline constexpr ControlName FloodRoughness{"Text7"};
+// The conduit's results shown in the channel's data boxes.
+inline constexpr ControlName FullDischarge{"Text4"};
+inline constexpr ControlName MaxDischarge{"Text5"};
+inline constexpr ControlName DepthRatio{"Text6"};     // Yn/D
+inline constexpr ControlName VelocityRatio{"Text7"};  // Vn/Vlleno
+// Discharge and depth: data or result by workflow.
+inline constexpr ControlName Discharge{"Text8"};
+inline constexpr ControlName NormalDepth{"Text9"};
+// Results: the whole channel's column.
+inline constexpr ControlName TopWidth{"Text10"};
+inline constexpr ControlName Velocity{"Text11"};
+inline constexpr ControlName CriticalDepth{"Text12"};
+inline constexpr ControlName CriticalVelocity{"Text13"};
+inline constexpr ControlName BankfullDischarge{"Text14"};
+inline constexpr ControlName DischargeRatio{"Text14"};  // conduit layout: Q/Qlleno
+inline constexpr ControlName Area{"Text24"};
+inline constexpr ControlName Froude{"Text26"};
+// Results over the banks: the main channel's and the flood zone's columns.
+inline constexpr ControlName MainDischarge{"Text15"};
+inline constexpr ControlName MainArea{"Text16"};
+inline constexpr ControlName MainTopWidth{"Text17"};
+inline constexpr ControlName MainVelocity{"Text18"};
+inline constexpr ControlName MainFroude{"Text27"};
+inline constexpr ControlName FloodDischarge{"Text19"};
+inline constexpr ControlName FloodArea{"Text20"};
+inline constexpr ControlName FloodTopWidth{"Text21"};
+inline constexpr ControlName FloodVelocity{"Text22"};
+inline constexpr ControlName FloodFroude{"Text23"};
+}  // namespace box
+
+namespace label {
+// The caption beside each box of the same name.
+inline constexpr ControlName Roughness{"Label1"};
+inline constexpr ControlName Slope{"Label2"};
+inline constexpr ControlName Base{"Label3"};
+inline constexpr ControlName SideSlope{"Label4"};
+inline constexpr ControlName BankHeight{"Label5"};
+inline constexpr ControlName FloodWidth{"Label6"};
+inline constexpr ControlName FloodRoughness{"Label7"};
+inline constexpr ControlName Discharge{"Label8"};
+inline constexpr ControlName NormalDepth{"Label9"};
+inline constexpr ControlName TopWidth{"Label10"};
+inline constexpr ControlName Velocity{"Label11"};
+inline constexpr ControlName CriticalDepth{"Label12"};
+inline constexpr ControlName CriticalVelocity{"Label13"};
+inline constexpr ControlName BankfullDischarge{"Label14"};
+inline constexpr ControlName Froude{"Label22"};
+inline constexpr ControlName Area{"Label24"};
+inline constexpr ControlName Diameter{"Label3"};  // conduit layout
+inline constexpr ControlName FullDischarge{"Label4"};
+inline constexpr ControlName MaxDischarge{"Label5"};
+inline constexpr ControlName DepthRatio{"Label6"};
+inline constexpr ControlName VelocityRatio{"Label7"};
+inline constexpr ControlName DischargeRatio{"Label14"};
+// Headings, instructions and messages.
+inline constexpr ControlName MainChannel{"Label15"};  // "CANAL PRINCIPAL" over the channel's data
+inline constexpr ControlName FloodZone{"Label16"};    // "ZONA INUNDABLE  (opcional)"
+inline constexpr ControlName Instructions{"Label17"};
+inline constexpr ControlName WholeColumn{"Label18"};  // the result columns' headings over the banks
+inline constexpr ControlName MainColumn{"Label19"};
+inline constexpr ControlName FloodColumn{"Label20"};
+inline constexpr ControlName Message{"Label21"};
+inline constexpr ControlName Title{"Label23"};
+}  // namespace label
+
+namespace button {
+inline constexpr ControlName Trapezoidal{"Command1"};  // the type buttons; their captions name the shape
+inline constexpr ControlName Circular{"Command2"};
+inline constexpr ControlName Exit{"Command3"};
+inline constexpr ControlName NormalDepth{"Command4"};  // "Yn?" of the trapezoidal family
+inline constexpr ControlName Discharge{"Command5"};    // "Q ?"
+inline constexpr ControlName ConduitNormalDepth{"Command6"};
+inline constexpr ControlName ConduitDischarge{"Command7"};
+}  // namespace button
+
+namespace picture {
+inline constexpr ControlName Section{"Picture1"};
+}  // namespace picture
+}  // namespace form1
+
 class Form1 : public forms::Screen {
   public:
     Form1();

@@ -41,7 +41,7 @@ private:
 
 Form3::Form3()
     : NaturalScreen("Form3", "Cauce - Perfiles y socavación en cauces naturales",
-                    SectionBoxes{"Text123", "Text124", "Text125", "Text126", "Text127", "Text129", "Text130"}) {
+                    form3::box::kAll) {
     BindSheet("secciones ");
     // Reference layout 1000 x 720. Declaration order is the tab order.
     Add({"Label25", Kind::Label,

@@ -36,7 +36,7 @@ private:
     void Resultados() override;
 };
 
-Form5::Form5() : NaturalScreen("Form5", "Cauce - Flujo uniforme en cauces naturales", SectionBoxes{}) {
+Form5::Form5() : NaturalScreen("Form5", "Cauce - Flujo uniforme en cauces naturales", section::stream_box::kAll) {
     BindSheet("Zorvena");
     // Reference layout 1000 x 720. Declaration order is the tab order.
     Add({"Label25", Kind::Label,

@@ -16,17 +16,78 @@ inline constexpr const char* kFigCauces = "C:\\programas\\figuras\\Cauces.wmf";
 inline constexpr const char* kFigCauces2 = "C:\\programas\\figuras\\Cauces2.wmf";
 inline constexpr const char* kFigSummer = "C:\\programas\\figuras\\SUMMER.wmf";
 
-// Names of the boxes that differ between the natural-section screens.
+// The controls every natural-section screen has, by meaning.
+namespace section {
+using forms::ControlName;
+
+// The level table: row j (1..15) of bed elevations and widths.
+inline std::string LevelElevation(int j) {
+    return forms::TextName(2 * j - 1);
+}
+inline std::string LevelWidth(int j) {
+    return forms::TextName(2 * j);
+}
+
+namespace box {
+inline constexpr ControlName SectionCount{"Text61"};  // N
+inline constexpr ControlName SectionNumber{"Text62"};
+}  // namespace box
+
+namespace label {
+inline constexpr ControlName Instructions{"Label25"};
+inline constexpr ControlName FloodZone{"Label26"};  // "ZONA INUNDABLE:", or the level table's error
+inline constexpr ControlName Message{"Label31"};
+}  // namespace label
+
+namespace button {
+inline constexpr ControlName Profiles{"Command1"};  // "Perfiles" (not on Form5)
+inline constexpr ControlName Section{"Command2"};   // "(Y?)"
+inline constexpr ControlName Exit{"Command3"};
+}  // namespace button
+
+namespace picture {
+inline constexpr ControlName Section{"Picture1"};
+}  // namespace picture
+
+// One section's data and results as Form2, Form4 and Form5 number them (Form3 numbers its own).
+namespace stream_box {
+using namespace box;
+inline constexpr ControlName Roughness{"Text93"};
+inline constexpr ControlName Slope{"Text94"};
+inline constexpr ControlName Discharge{"Text95"};
+inline constexpr ControlName FloodWidth{"Text96"};
+inline constexpr ControlName FloodRoughness{"Text97"};
+inline constexpr ControlName NormalDepth{"Text99"};
+inline constexpr ControlName CriticalDepth{"Text100"};
+}  // namespace stream_box
+}  // namespace section
+
+// The boxes that differ between the natural-section screens.
 struct SectionBoxes {
-    std::string n = "Text93", s0 = "Text94", q = "Text95", b = "Text96", nz = "Text97";
-    std::string yn = "Text99", yc = "Text100";
+    forms::ControlName n, s0, q, b, nz, yn, yc;
+};
+
+namespace section::stream_box {
+inline constexpr SectionBoxes kAll{Roughness,      Slope,       Discharge,    FloodWidth,
+                                   FloodRoughness, NormalDepth, CriticalDepth};
+}  // namespace section::stream_box
+
+// What the screens with a reach (Form2, Form3, Form4) name differently: the section's boxes, the depth
+// at the last section with its label, and the table's columns (row j, 1..15; nullptr: no such column).
+struct ReachControls {
+    SectionBoxes section;
+    forms::ControlName depth, depth_label;
+    std::string (*type)(int);
+    std::string (*water_level)(int);
+    std::string (*velocity)(int);
+    std::string (*scour)(int);
 };
 
 class NaturalScreen : public forms::Screen {
-public:
+  public:
     const natural::State& State() const { return st_; }
 
-protected:
+  protected:
     NaturalScreen(std::string name, std::string title, SectionBoxes boxes);
 
     // Declares the level table (Text1..Text30 bound to z1..z15 / t1..t15) and its row labels
@@ -53,7 +114,7 @@ protected:
     natural::State st_;
     SectionBoxes boxes_;
 
-private:
+  private:
     void Qdesbord();
 };
 

@@ -11,7 +11,7 @@ namespace {
 std::string T(int n) { return "Text" + std::to_string(n); }
 }  // namespace
 
-ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg) : NaturalScreen(cfg.name, cfg.title, SectionBoxes{}) {
+ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg) : NaturalScreen(cfg.name, cfg.title, section::stream_box::kAll) {
     BindSheet(cfg.sheet);
     // Reference layout 1000 x 720. Declaration order is the tab order.
     Add({"Label25", Kind::Label, cfg.instruction + std::string(98, ' ') + cfg.instruction_tail, "", {10, 5, 600, 48}, true});

@@ -10,6 +10,46 @@
 
 namespace cauce::screens {
 
+// Form2's and Form4's controls by meaning: those of every natural-section screen (section::), the
+// section's boxes as Form2 numbers them, the start depth and the profile table.
+namespace profile {
+using namespace section;
+using forms::ControlName;
+
+namespace box {
+using namespace section::stream_box;
+inline constexpr ControlName StartDepth{"Text98"};  // the depth at the last section, "Y inicial"
+}  // namespace box
+
+namespace label {
+using namespace section::label;
+inline constexpr ControlName StartDepth{"Label32"};  // "Yinicial", or "Incluya Y inicial"
+}  // namespace label
+
+namespace picture {
+using namespace section::picture;
+inline constexpr ControlName Summer{"Picture2"};
+}  // namespace picture
+
+// The profile table: row j (1..15) of chainage (data), profile type, water-surface elevation and
+// mean velocity.
+inline std::string TableChainage(int j) {
+    return forms::TextName(29 + 2 * j);
+}
+inline std::string TableType(int j) {
+    return forms::TextName(30 + 2 * j);
+}
+inline std::string TableWaterLevel(int j) {
+    return forms::TextName(62 + j);
+}
+inline std::string TableVelocity(int j) {
+    return forms::TextName(77 + j);
+}
+
+inline constexpr ReachControls kReach{
+    box::kAll, box::StartDepth, label::StartDepth, TableType, TableWaterLevel, TableVelocity, nullptr};
+}  // namespace profile
+
 struct ProfileScreenConfig {
     std::string name;         // "Form2"
     std::string title;        // window title
@@ -21,10 +61,10 @@ struct ProfileScreenConfig {
 };
 
 class ProfileScreen : public NaturalScreen {
-public:
+  public:
     explicit ProfileScreen(const ProfileScreenConfig& config);
 
-private:
+  private:
     void FormLoad();
     void Command1Click();  // "Perfiles"
     void Tabla();

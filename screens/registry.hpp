@@ -9,6 +9,9 @@
 
 namespace cauce::screens {
 
+// The picture box every screen shows its section's figure in.
+inline constexpr forms::ControlName kSectionPicture{"Picture1"};
+
 // A fresh screen as its Form_Load leaves it; nullptr for an unknown name.
 std::unique_ptr<forms::Screen> MakeScreen(std::string_view name);
 

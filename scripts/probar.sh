@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds Cauce and runs every test through CTest, twice:
+# Installs what is missing, checks the C++ files' format, builds Cauce and runs every test through CTest, twice:
 #   build/      the program as shipped (g++), every test, the desktop tests on Qt's offscreen platform;
 #   build-san/  clang with AddressSanitizer and UndefinedBehaviorSanitizer: the test suite again, and a
 #               short run of each libFuzzer target from its seed corpus (CAUCE_FUZZ_SECONDS each).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/instalar-dependencias.sh
+bash scripts/formato.sh --check
 jobs=$(nproc 2>/dev/null || echo 2)
 
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo

@@ -60,9 +60,9 @@ std::map<std::string, std::shared_ptr<MemorySheet>>& Books() {
     return books;
 }
 
-void Type(app::ScreenView& view, const char* box, const QString& text) {
+void Type(app::ScreenView& view, std::string_view box, const QString& text) {
     QLineEdit* edit = view.Box(box);
-    QVERIFY2(edit, box);
+    QVERIFY2(edit, std::string(box).c_str());
     edit->setFocus();
     edit->selectAll();
     if (text.isEmpty())

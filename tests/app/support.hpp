@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/dialogs.hpp"
@@ -16,8 +17,8 @@
 namespace cauce::apptest {
 
 // Types text into a box as a person does (focus, select all, keys; Delete when the text is empty).
-void Type(app::ScreenView& view, const char* box, const QString& text);
-inline void Type(app::ScreenView* view, const char* box, const QString& text) {
+void Type(app::ScreenView& view, std::string_view box, const QString& text);
+inline void Type(app::ScreenView* view, std::string_view box, const QString& text) {
     Type(*view, box, text);
 }
 inline QString Q(const std::string& s) {

@@ -18,6 +18,7 @@
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
 #include "reach/run.hpp"
+#include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 #include "support.hpp"
 #include "workbook/install.hpp"
@@ -25,6 +26,7 @@
 
 using namespace cauce;
 using namespace cauce::apptest;
+namespace profile = cauce::screens::profile;
 
 namespace {
 
@@ -96,22 +98,22 @@ class Archivo : public QObject {
         app::ScreenView* view = w->View();
         app::Navigator* nav = view->DataNavigator();
         QVERIFY(!nav->Delete()->isEnabled());
-        Type(view, "Text95", "38");     // discharge: the same along the reach
-        Type(view, "Text93", "0.035");  // roughness: the section's own
-        Type(view, "Text1", "120");     // a pending edit, saved before the record is added
+        Type(view, profile::box::Discharge, "38");     // discharge: the same along the reach
+        Type(view, profile::box::Roughness, "0.035");  // roughness: the section's own
+        Type(view, profile::LevelElevation(1), "120");     // a pending edit, saved before the record is added
         QTest::mouseClick(nav->Add(), Qt::LeftButton);
         QCOMPARE(nav->Position(), QStringLiteral("Registro 2 de 2"));
-        QCOMPARE(view->Box("Text95")->text(), QStringLiteral("38"));
-        QCOMPARE(view->Box("Text62")->text(), QStringLiteral("2"));
-        QCOMPARE(view->Box("Text93")->text(), QString());
-        QCOMPARE(view->Box("Text1")->text(), QString());
+        QCOMPARE(view->Box(profile::box::Discharge)->text(), QStringLiteral("38"));
+        QCOMPARE(view->Box(profile::box::SectionNumber)->text(), QStringLiteral("2"));
+        QCOMPARE(view->Box(profile::box::Roughness)->text(), QString());
+        QCOMPARE(view->Box(profile::LevelElevation(1))->text(), QString());
         QVERIFY(w->Files()->AddRecord());
         QVERIFY(w->Files()->Renumber());
         QCOMPARE(nav->Position(), QStringLiteral("Registro 3 de 3"));
-        QCOMPARE(view->Box("Text61")->text(), QStringLiteral("3"));
+        QCOMPARE(view->Box(profile::box::SectionCount)->text(), QStringLiteral("3"));
         QTest::mouseClick(nav->First(), Qt::LeftButton);
-        QCOMPARE(view->Box("Text1")->text(), QStringLiteral("120"));
-        QCOMPARE(view->Box("Text61")->text(), QStringLiteral("3"));
+        QCOMPARE(view->Box(profile::LevelElevation(1))->text(), QStringLiteral("120"));
+        QCOMPARE(view->Box(profile::box::SectionCount)->text(), QStringLiteral("3"));
 
         prompter.answer = false;
         QVERIFY(!w->Files()->DeleteRecord());
@@ -120,7 +122,7 @@ class Archivo : public QObject {
         prompter.answer = true;
         QVERIFY(w->Files()->DeleteRecord());
         QCOMPARE(w->Model().RecordCount(), 2);
-        QCOMPARE(view->Box("Text62")->text(), QStringLiteral("2"));  // the record that followed
+        QCOMPARE(view->Box(profile::box::SectionNumber)->text(), QStringLiteral("2"));  // the record that followed
         QVERIFY(prompter.faults.isEmpty());
         QVERIFY(desktop.Exit());
     }
@@ -143,7 +145,7 @@ class Archivo : public QObject {
         QVERIFY(w->Files()->SetProject({"Presa Norte", "", "Ana Pérez", ""}));
         QCOMPARE(workbook::ReadCustomProperties(book.toStdString()).at("Proyecto"),
                  std::string("Presa Norte"));
-        Type(w->View(), reach::DepthBox(*reach::KindOfSheet("Persecc")), "1.8");
+        Type(w->View(), profile::box::StartDepth, "1.8");
         QVERIFY(w->Files()->WriteReport(pdf));
         QVERIFY(Read(pdf).startsWith("%PDF"));
 

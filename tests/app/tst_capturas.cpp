@@ -14,6 +14,9 @@
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
 #include "forms/val.hpp"
+#include "screens/form1.hpp"
+#include "screens/form3.hpp"
+#include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 #include "support.hpp"
 #ifdef CAUCE_WITH_WORKBOOK
@@ -23,6 +26,9 @@
 
 using namespace cauce;
 using namespace cauce::apptest;
+namespace form1 = cauce::screens::form1;
+namespace form3 = cauce::screens::form3;
+namespace profile = cauce::screens::profile;
 
 namespace {
 
@@ -74,12 +80,12 @@ class Capturas : public QObject {
         QVERIFY(count >= 2);
         for (int k = 0; k < count; ++k) {
             if (k) QTest::mouseClick(view->DataNavigator()->Next(), Qt::LeftButton);
-            QTest::mouseClick(view->Button("Command2"), Qt::LeftButton);
+            QTest::mouseClick(view->Button(profile::button::Section), Qt::LeftButton);
         }
-        QCOMPARE(view->Button("Command1")->text(), QStringLiteral("Perfiles"));
-        const double start = forms::Val(view->Box("Text99")->text().toStdString()) + 0.5;
-        Type(view, "Text98", QString::number(start, 'f', 2));
-        QTest::mouseClick(view->Button("Command1"), Qt::LeftButton);
+        QCOMPARE(view->Button(profile::button::Profiles)->text(), QStringLiteral("Perfiles"));
+        const double start = forms::Val(view->Box(profile::box::NormalDepth)->text().toStdString()) + 0.5;
+        Type(view, profile::box::StartDepth, QString::number(start, 'f', 2));
+        QTest::mouseClick(view->Button(profile::button::Profiles), Qt::LeftButton);
         QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
         QVERIFY(w->Chart()->isVisible());
         QCOMPARE(int(w->Chart()->Points().size()), count);
@@ -98,13 +104,19 @@ class Capturas : public QObject {
         QVERIFY(w);
         QVERIFY(QTest::qWaitForWindowExposed(w));
         app::ScreenView* view = w->View();
-        QTest::mouseClick(view->Button("Command1"), Qt::LeftButton);
-        const char* boxes[] = {"Text1", "Text2", "Text3", "Text4", "Text5", "Text6", "Text7", "Text8"};
-        const char* values[] = {"0.02", "0.001", "2", "1", "1", "20", "0.04", "15"};
-        for (int k = 0; k < 8; ++k) Type(view, boxes[k], values[k]);
-        QTest::mouseClick(view->Button("Command4"), Qt::LeftButton);
+        QTest::mouseClick(view->Button(form1::button::Trapezoidal), Qt::LeftButton);
+        const std::pair<std::string, const char*> boxes[] = {{form1::box::Roughness, "0.02"},
+                                                             {form1::box::Slope, "0.001"},
+                                                             {form1::box::Base, "2"},
+                                                             {form1::box::SideSlope, "1"},
+                                                             {form1::box::BankHeight, "1"},
+                                                             {form1::box::FloodWidth, "20"},
+                                                             {form1::box::FloodRoughness, "0.04"},
+                                                             {form1::box::Discharge, "15"}};
+        for (const auto& [box, text] : boxes) Type(view, box, text);
+        QTest::mouseClick(view->Button(form1::button::NormalDepth), Qt::LeftButton);
         QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
-        QVERIFY(view->Picture("Picture1")->Sketch().has_value());
+        QVERIFY(view->Picture(form1::picture::Section)->Sketch().has_value());
         QTest::qWait(50);
         const QImage shot = w->grab().toImage();
         QVERIFY(Colours(shot) > 40);

@@ -5,9 +5,11 @@
 
 #include "app/figures.hpp"
 #include "app/section_sketch.hpp"
+#include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 
 using namespace cauce::app;
+namespace profile = cauce::screens::profile;
 
 namespace {
 
@@ -163,15 +165,18 @@ class Figuras : public QObject {
     // the normal depth, the critical depth; before the click, the section without water.
     void form2SketchFollowsTheComputedSection() {
         auto screen = cauce::screens::MakeScreen("Form2");
-        const char* boxes[][2] = {{"Text61", "1"},     {"Text62", "1"},     {"Text1", "100"},
-                                  {"Text2", "2"},      {"Text3", "102"},    {"Text4", "2"},
-                                  {"Text93", "0.015"}, {"Text94", "0.001"}, {"Text95", "2"}};
-        for (const auto& b : boxes) screen->Type(b[0], b[1]);
+        const std::pair<std::string, const char*> boxes[] = {
+            {profile::box::SectionCount, "1"},   {profile::box::SectionNumber, "1"},
+            {profile::LevelElevation(1), "100"}, {profile::LevelWidth(1), "2"},
+            {profile::LevelElevation(2), "102"}, {profile::LevelWidth(2), "2"},
+            {profile::box::Roughness, "0.015"},  {profile::box::Slope, "0.001"},
+            {profile::box::Discharge, "2"}};
+        for (const auto& [box, text] : boxes) screen->Type(box, text);
         auto before = SketchOf(*screen);
         QVERIFY(before.has_value());
         QVERIFY(!before->water.has_value());
         QCOMPARE(before->ground.size(), 4);
-        QVERIFY(!screen->Click("Command2"));
+        QVERIFY(!screen->Click(profile::button::Section));
         const auto after = SketchOf(*screen);
         QVERIFY(after.has_value());
         QVERIFY(after->water.has_value());
@@ -182,7 +187,7 @@ class Figuras : public QObject {
         QVERIFY(!after->flood);
         QVERIFY(after->caption.startsWith(QStringLiteral("Sección 1")));
         // Levels that do not rise: no drawing to scale.
-        screen->Type("Text3", "99");
+        screen->Type(profile::LevelElevation(2), "99");
         const auto bad = SketchOf(*screen);
         QVERIFY(!bad.has_value());
     }
@@ -190,13 +195,16 @@ class Figuras : public QObject {
     // Overflowing into a flood zone 10 m wide: the outline spreads over the flood zone.
     void form2SketchOfTheFloodZone() {
         auto screen = cauce::screens::MakeScreen("Form2");
-        const char* boxes[][2] = {{"Text61", "1"},     {"Text62", "1"},     {"Text1", "100"},
-                                  {"Text2", "2"},      {"Text3", "101"},    {"Text4", "2"},
-                                  {"Text93", "0.015"}, {"Text94", "0.001"}, {"Text95", "8"},
-                                  {"Text96", "10"},    {"Text97", "0.04"}};
-        for (const auto& b : boxes) screen->Type(b[0], b[1]);
-        QVERIFY(!screen->Click("Command2"));
-        QCOMPARE(screen->Get("Label31").text, std::string("HAY DESBORDAMIENTO"));
+        const std::pair<std::string, const char*> boxes[] = {
+            {profile::box::SectionCount, "1"},     {profile::box::SectionNumber, "1"},
+            {profile::LevelElevation(1), "100"},   {profile::LevelWidth(1), "2"},
+            {profile::LevelElevation(2), "101"},   {profile::LevelWidth(2), "2"},
+            {profile::box::Roughness, "0.015"},    {profile::box::Slope, "0.001"},
+            {profile::box::Discharge, "8"},        {profile::box::FloodWidth, "10"},
+            {profile::box::FloodRoughness, "0.04"}};
+        for (const auto& [box, text] : boxes) screen->Type(box, text);
+        QVERIFY(!screen->Click(profile::button::Section));
+        QCOMPARE(screen->Get(profile::label::Message).text, std::string("HAY DESBORDAMIENTO"));
         const auto k = SketchOf(*screen);
         QVERIFY(k.has_value());
         QVERIFY(k->flood);

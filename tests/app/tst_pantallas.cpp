@@ -18,25 +18,32 @@
 #include "app/navigator.hpp"
 #include "app/partial_number.hpp"
 #include "app/screen_view.hpp"
+#include "screens/form1.hpp"
+#include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 #include "support.hpp"
 
 using namespace cauce;
 using namespace cauce::apptest;
 using app::Figure;
+namespace form1 = screens::form1;
+namespace profile = screens::profile;
 
 namespace {
 
-void Press(app::ScreenView& view, const char* button) {
+void Press(app::ScreenView& view, std::string_view button) {
     QTest::mouseClick(view.Button(button), Qt::LeftButton);
 }
 
 // One section of the README: a rectangle 2 m wide and 2 m deep, n 0.015, S 0.001, Q 2 m3/s.
 void TypeRectangle(app::ScreenView& view) {
-    const char* boxes[][2] = {{"Text61", "1"},     {"Text62", "1"},     {"Text1", "100"},
-                              {"Text2", "2"},      {"Text3", "102"},    {"Text4", "2"},
-                              {"Text93", "0.015"}, {"Text94", "0.001"}, {"Text95", "2"}};
-    for (const auto& b : boxes) Type(view, b[0], b[1]);
+    const std::pair<std::string, const char*> boxes[] = {
+        {profile::box::SectionCount, "1"},   {profile::box::SectionNumber, "1"},
+        {profile::LevelElevation(1), "100"}, {profile::LevelWidth(1), "2"},
+        {profile::LevelElevation(2), "102"}, {profile::LevelWidth(2), "2"},
+        {profile::box::Roughness, "0.015"},  {profile::box::Slope, "0.001"},
+        {profile::box::Discharge, "2"}};
+    for (const auto& [box, text] : boxes) Type(view, box, text);
 }
 
 struct Shown {
@@ -70,7 +77,7 @@ class Pantallas : public QObject {
         for (std::string_view name : screens::ScreenNames())
             QTest::newRow(std::string(name).c_str()) << Q(std::string(name));
     }
-    // A widget per control, of its kind, with the model's text, at the layout's place.
+    // A widget per control, of its kind, with the model's text (its place: layoutScalesWithTheWindow).
     void everyScreenShowsItsModel() {
         QFETCH(QString, screen);
         RecordingPrompter prompter;
@@ -78,8 +85,6 @@ class Pantallas : public QObject {
         for (const auto& c : s.model->Controls()) {
             QWidget* w = s.view->ControlWidget(c.name);
             QVERIFY2(w, c.name.c_str());
-            const QRect r = w->geometry();
-            QCOMPARE(r, QRect(c.place.x, c.place.y, c.place.w, c.place.h));
             switch (c.kind) {
                 case forms::Kind::TextBox:
                     QCOMPARE(s.view->Box(c.name)->text(), Q(c.text));
@@ -116,13 +121,15 @@ class Pantallas : public QObject {
         RecordingPrompter prompter;
         auto s = Show("Form2", prompter, size);
         QCOMPARE(s.view->Scale(), scale);
-        for (const char* name : {"Text1", "Command2", "Picture1", "Label25", "Data1"}) {
+        for (const std::string& name :
+             std::vector<std::string>{profile::LevelElevation(1), profile::button::Section,
+                                      profile::picture::Section, profile::label::Instructions, "Data1"}) {
             const forms::Place p = s.model->Get(name).place;
             const QRect r = s.view->ControlWidget(name)->geometry();
-            QVERIFY2(std::abs(r.x() - (left + p.x * scale)) <= 1, name);
-            QVERIFY2(std::abs(r.y() - p.y * scale) <= 1, name);
-            QVERIFY2(std::abs(r.width() - p.w * scale) <= 1, name);
-            QVERIFY2(std::abs(r.height() - p.h * scale) <= 1, name);
+            QVERIFY2(std::abs(r.x() - (left + p.x * scale)) <= 1, name.c_str());
+            QVERIFY2(std::abs(r.y() - p.y * scale) <= 1, name.c_str());
+            QVERIFY2(std::abs(r.width() - p.w * scale) <= 1, name.c_str());
+            QVERIFY2(std::abs(r.height() - p.h * scale) <= 1, name.c_str());
         }
     }
 
@@ -133,7 +140,7 @@ class Pantallas : public QObject {
         QVERIFY(QTest::qWaitForWindowActive(s.view.get()));
         const auto chain = s.view->TabChain();
         QVERIFY(chain.size() > 90);
-        QCOMPARE(chain.front(), s.view->Box("Text62"));
+        QCOMPARE(chain.front(), s.view->Box(profile::box::SectionNumber));
         chain.front()->setFocus();
         for (std::size_t k = 1; k < 12; ++k) {
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
@@ -148,25 +155,25 @@ class Pantallas : public QObject {
         RecordingPrompter prompter;
         auto s = Show("Form2", prompter);
         TypeRectangle(*s.view);
-        QCOMPARE(s.model->Get("Text93").text, std::string("0.015"));
-        Press(*s.view, "Command2");
+        QCOMPARE(s.model->Get(profile::box::Roughness).text, std::string("0.015"));
+        Press(*s.view, profile::button::Section);
         QVERIFY(prompter.faults.isEmpty());
-        QCOMPARE(s.view->Box("Text99")->text(), QStringLiteral("0.81"));
-        QCOMPARE(s.view->Box("Text100")->text(), QStringLiteral("0.47"));
-        QCOMPARE(s.view->Button("Command2")->text(), QString());
-        QCOMPARE(s.view->Button("Command1")->text(), QStringLiteral("Perfiles"));
-        app::FigureWidget* picture = s.view->Picture("Picture1");
+        QCOMPARE(s.view->Box(profile::box::NormalDepth)->text(), QStringLiteral("0.81"));
+        QCOMPARE(s.view->Box(profile::box::CriticalDepth)->text(), QStringLiteral("0.47"));
+        QCOMPARE(s.view->Button(profile::button::Section)->text(), QString());
+        QCOMPARE(s.view->Button(profile::button::Profiles)->text(), QStringLiteral("Perfiles"));
+        app::FigureWidget* picture = s.view->Picture(profile::picture::Section);
         QCOMPARE(picture->CurrentFigure(), Figure::Cauces1);
         QVERIFY(picture->Sketch().has_value());
         QVERIFY(std::abs(*picture->Sketch()->water - 100.81) < 0.006);
-        QCOMPARE(s.view->Picture("Picture2")->CurrentFigure(), Figure::Summer);
+        QCOMPARE(s.view->Picture(profile::picture::Summer)->CurrentFigure(), Figure::Summer);
         // "(Y?)" is spent: pressing its blank button does nothing.
-        Type(*s.view, "Text95", "3");
-        Press(*s.view, "Command2");
-        QCOMPARE(s.view->Box("Text99")->text(), QStringLiteral("0.81"));
+        Type(*s.view, profile::box::Discharge, "3");
+        Press(*s.view, profile::button::Section);
+        QCOMPARE(s.view->Box(profile::box::NormalDepth)->text(), QStringLiteral("0.81"));
         // "Perfiles" without a start depth: the message beside its box.
-        Press(*s.view, "Command1");
-        QCOMPARE(s.view->Caption("Label32")->text(), QStringLiteral("Incluya Y inicial"));
+        Press(*s.view, profile::button::Profiles);
+        QCOMPARE(s.view->Caption(profile::label::StartDepth)->text(), QStringLiteral("Incluya Y inicial"));
         QVERIFY(prompter.faults.isEmpty());
     }
 
@@ -175,37 +182,18 @@ class Pantallas : public QObject {
         RecordingPrompter prompter;
         auto s = Show("Form2", prompter);
         TypeRectangle(*s.view);
-        Type(*s.view, "Text61", "2");  // not the last section: "(Y?)" stays
-        Type(*s.view, "Text95", "12");
-        Type(*s.view, "Text96", "1");
-        Press(*s.view, "Command2");
-        QCOMPARE(s.view->Caption("Label31")->text(),
+        Type(*s.view, profile::box::SectionCount, "2");  // not the last section: "(Y?)" stays
+        Type(*s.view, profile::box::Discharge, "12");
+        Type(*s.view, profile::box::FloodWidth, "1");
+        Press(*s.view, profile::button::Section);
+        QCOMPARE(s.view->Caption(profile::label::Message)->text(),
                  QStringLiteral("El ancho B no puede ser menor que Tn. Ver Figura"));
-        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Cauces);
-        Type(*s.view, "Text96", "2");
-        Type(*s.view, "Text97", "0.04");
-        Press(*s.view, "Command2");
-        QCOMPARE(s.view->Caption("Label31")->text(), QStringLiteral("HAY DESBORDAMIENTO"));
-        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Cauces2);
-    }
-
-    // A fault: its Spanish message to the user, the screen as the model left it.
-    void faultIsReportedAndTheScreenStays() {
-        RecordingPrompter prompter;
-        auto s = Show("Form2", prompter);
-        TypeRectangle(*s.view);
-        Type(*s.view, "Text62", "51");
-        Press(*s.view, "Command2");
-        QCOMPARE(prompter.faults,
-                 QStringList{QStringLiteral("Subíndice fuera del intervalo: 51 no está entre 0 y 50")});
-        QCOMPARE(s.view->Box("Text62")->text(), QStringLiteral("51"));
-        QCOMPARE(s.view->Box("Text1")->text(), QStringLiteral("100"));
-        QCOMPARE(s.view->Button("Command2")->text(), QStringLiteral("(Y?)"));
-        // The screen goes on working.
-        Type(*s.view, "Text62", "1");
-        Press(*s.view, "Command2");
-        QCOMPARE(prompter.faults.size(), 1);
-        QCOMPARE(s.view->Box("Text99")->text(), QStringLiteral("0.81"));
+        QCOMPARE(s.view->Picture(profile::picture::Section)->CurrentFigure(), Figure::Cauces);
+        Type(*s.view, profile::box::FloodWidth, "2");
+        Type(*s.view, profile::box::FloodRoughness, "0.04");
+        Press(*s.view, profile::button::Section);
+        QCOMPARE(s.view->Caption(profile::label::Message)->text(), QStringLiteral("HAY DESBORDAMIENTO"));
+        QCOMPARE(s.view->Picture(profile::picture::Section)->CurrentFigure(), Figure::Cauces2);
     }
 
     // The real message box: warning text, Spanish button, and it does not end the program.
@@ -213,7 +201,7 @@ class Pantallas : public QObject {
         app::DialogPrompter prompter;
         auto s = Show("Form2", prompter);
         TypeRectangle(*s.view);
-        Type(*s.view, "Text93", "0");
+        Type(*s.view, profile::box::Roughness, "0");
         QString text, button;
         QTimer::singleShot(0, [&] {
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -222,7 +210,7 @@ class Pantallas : public QObject {
             button = box->buttons().value(0)->text();
             box->accept();
         });
-        Press(*s.view, "Command2");
+        Press(*s.view, profile::button::Section);
         QCOMPARE(text, QStringLiteral("División por cero"));
         QCOMPARE(button.remove('&'), QStringLiteral("Aceptar"));
         QVERIFY(s.view->isVisible());
@@ -232,7 +220,7 @@ class Pantallas : public QObject {
     void accentsHaveGlyphs() {
         RecordingPrompter prompter;
         auto s = Show("Form2", prompter);
-        const QFontMetrics fm(s.view->Caption("Label25")->font());
+        const QFontMetrics fm(s.view->Caption(profile::label::Instructions)->font());
         for (char32_t c : {U'á', U'é', U'í', U'ó', U'ú', U'ñ', U'Ñ', U'Á'}) QVERIFY(fm.inFontUcs4(c));
     }
 
@@ -240,18 +228,18 @@ class Pantallas : public QObject {
     void partReadNumbersAreMarked() {
         RecordingPrompter prompter;
         auto s = Show("Form2", prompter);
-        QLineEdit* box = s.view->Box("Text93");
-        Type(*s.view, "Text93", "0,015");
-        QCOMPARE(s.model->Get("Text93").text, std::string("0,015"));
+        QLineEdit* box = s.view->Box(profile::box::Roughness);
+        Type(*s.view, profile::box::Roughness, "0,015");
+        QCOMPARE(s.model->Get(profile::box::Roughness).text, std::string("0,015"));
         QVERIFY(box->property("lecturaParcial").toBool());
         QVERIFY(box->toolTip().contains(QStringLiteral("el separador decimal es el punto")));
         QVERIFY(box->toolTip().contains(QStringLiteral("escriba 0.015")));
-        Type(*s.view, "Text93", "0.015");
+        Type(*s.view, profile::box::Roughness, "0.015");
         QVERIFY(!box->property("lecturaParcial").toBool());
         QVERIFY(box->toolTip().isEmpty());
         // A profile type is text, not a number read in part.
-        Type(*s.view, "Text32", "M1");
-        QVERIFY(!s.view->Box("Text32")->property("lecturaParcial").toBool());
+        Type(*s.view, profile::TableType(1), "M1");
+        QVERIFY(!s.view->Box(profile::TableType(1))->property("lecturaParcial").toBool());
     }
 
     void partialReadings_data() {
@@ -289,11 +277,16 @@ class Pantallas : public QObject {
         QCOMPARE(tables.size(), std::size_t{2});
         QCOMPARE(tables[0].Rows(), 15);
         QCOMPARE(tables[0].headings, (std::vector<std::string>{"Z fondo m", "Ancho m"}));
-        QCOMPARE(tables[0].cells[14], (std::vector<std::string>{"Text29", "Text30"}));
+        QCOMPARE(tables[0].cells[14],
+                 (std::vector<std::string>{profile::LevelElevation(15), profile::LevelWidth(15)}));
         QCOMPARE(tables[1].headings,
                  (std::vector<std::string>{"Abscisa m", "Perfil Tipo", "Z agua m", "V media m/s"}));
-        QCOMPARE(tables[1].cells[0], (std::vector<std::string>{"Text31", "Text32", "Text63", "Text78"}));
-        QCOMPARE(tables[1].cells[7], (std::vector<std::string>{"Text45", "Text46", "Text70", "Text85"}));
+        QCOMPARE(tables[1].cells[0],
+                 (std::vector<std::string>{profile::TableChainage(1), profile::TableType(1),
+                                           profile::TableWaterLevel(1), profile::TableVelocity(1)}));
+        QCOMPARE(tables[1].cells[7],
+                 (std::vector<std::string>{profile::TableChainage(8), profile::TableType(8),
+                                           profile::TableWaterLevel(8), profile::TableVelocity(8)}));
     }
 
     // Columns of form fields are not tables; the scour screen has three.
@@ -316,37 +309,37 @@ class Pantallas : public QObject {
     void tableCopyAndPaste() {
         RecordingPrompter prompter;
         auto s = Show("Form2", prompter);
-        Type(*s.view, "Text1", "100");
-        Type(*s.view, "Text2", "2");
-        Type(*s.view, "Text3", "102,5");
-        QVERIFY(s.view->CopyTable("Text2"));
+        Type(*s.view, profile::LevelElevation(1), "100");
+        Type(*s.view, profile::LevelWidth(1), "2");
+        Type(*s.view, profile::LevelElevation(2), "102,5");
+        QVERIFY(s.view->CopyTable(profile::LevelWidth(1)));
         const QString copied = QApplication::clipboard()->text();
         QVERIFY(copied.startsWith(QStringLiteral("Z fondo m\tAncho m\n100\t2\n102,5\t\n\t\n")));
         QCOMPARE(copied.count('\n'), 16);
 
         // From a spreadsheet: Windows line ends, the heading row, cells beyond the table.
         QApplication::clipboard()->setText(QStringLiteral("Z fondo m\tAncho m\r\n101\t3\t99\r\n103\t7\r\n"));
-        QVERIFY(s.view->PasteTable("Text3", QApplication::clipboard()->text()));
-        QCOMPARE(s.model->Get("Text3").text, std::string("101"));
-        QCOMPARE(s.model->Get("Text4").text, std::string("3"));
-        QCOMPARE(s.model->Get("Text5").text, std::string("103"));
-        QCOMPARE(s.model->Get("Text6").text, std::string("7"));
-        QCOMPARE(s.view->Box("Text5")->text(), QStringLiteral("103"));
-        QCOMPARE(s.model->Get("Text1").text, std::string("100"));
+        QVERIFY(s.view->PasteTable(profile::LevelElevation(2), QApplication::clipboard()->text()));
+        QCOMPARE(s.model->Get(profile::LevelElevation(2)).text, std::string("101"));
+        QCOMPARE(s.model->Get(profile::LevelWidth(2)).text, std::string("3"));
+        QCOMPARE(s.model->Get(profile::LevelElevation(3)).text, std::string("103"));
+        QCOMPARE(s.model->Get(profile::LevelWidth(3)).text, std::string("7"));
+        QCOMPARE(s.view->Box(profile::LevelElevation(3))->text(), QStringLiteral("103"));
+        QCOMPARE(s.model->Get(profile::LevelElevation(1)).text, std::string("100"));
 
         // Ctrl+V of several cells in a box of a table pastes into the table, not into the one box.
         QApplication::clipboard()->setText(QStringLiteral("0\tM1\n60\tM2\n"));
-        s.view->Box("Text31")->setFocus();
-        QTest::keySequence(s.view->Box("Text31"), QKeySequence::Paste);
-        QCOMPARE(s.model->Get("Text31").text, std::string("0"));
-        QCOMPARE(s.model->Get("Text32").text, std::string("M1"));
-        QCOMPARE(s.model->Get("Text33").text, std::string("60"));
-        QCOMPARE(s.model->Get("Text34").text, std::string("M2"));
+        s.view->Box(profile::TableChainage(1))->setFocus();
+        QTest::keySequence(s.view->Box(profile::TableChainage(1)), QKeySequence::Paste);
+        QCOMPARE(s.model->Get(profile::TableChainage(1)).text, std::string("0"));
+        QCOMPARE(s.model->Get(profile::TableType(1)).text, std::string("M1"));
+        QCOMPARE(s.model->Get(profile::TableChainage(2)).text, std::string("60"));
+        QCOMPARE(s.model->Get(profile::TableType(2)).text, std::string("M2"));
         // A single value pastes into the box as usual.
         QApplication::clipboard()->setText(QStringLiteral("0.02"));
-        Type(*s.view, "Text93", "");
-        QTest::keySequence(s.view->Box("Text93"), QKeySequence::Paste);
-        QCOMPARE(s.model->Get("Text93").text, std::string("0.02"));
+        Type(*s.view, profile::box::Roughness, "");
+        QTest::keySequence(s.view->Box(profile::box::Roughness), QKeySequence::Paste);
+        QCOMPARE(s.model->Get(profile::box::Roughness).text, std::string("0.02"));
     }
 
     // Form1 through the view (captions, messages and picture names are checked by the form1_* scripts):
@@ -355,26 +348,33 @@ class Pantallas : public QObject {
     void form1FiguresFollowTheModel() {
         RecordingPrompter prompter;
         auto s = Show("Form1", prompter);
-        Press(*s.view, "Command2");
-        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Circulo);
-        const char* boxes[][2] = {{"Text1", "0.013"}, {"Text2", "0.001"}, {"Text3", "1"}, {"Text8", "0.5"}};
-        for (const auto& b : boxes) Type(*s.view, b[0], b[1]);
-        Press(*s.view, "Command6");
+        Press(*s.view, form1::button::Circular);
+        QCOMPARE(s.view->Picture(form1::picture::Section)->CurrentFigure(), Figure::Circulo);
+        const std::pair<std::string, const char*> boxes[] = {{form1::box::Roughness, "0.013"},
+                                                             {form1::box::Slope, "0.001"},
+                                                             {form1::box::Diameter, "1"},
+                                                             {form1::box::Discharge, "0.5"}};
+        for (const auto& [box, text] : boxes) Type(*s.view, box, text);
+        Press(*s.view, form1::button::ConduitNormalDepth);
         QVERIFY(prompter.faults.isEmpty());
-        QCOMPARE(s.view->Box("Text9")->text(), QStringLiteral("0.59"));
-        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Circulo3);
-        QVERIFY(s.view->Picture("Picture1")->Sketch()->Conduit());
+        QCOMPARE(s.view->Box(form1::box::NormalDepth)->text(), QStringLiteral("0.59"));
+        QCOMPARE(s.view->Picture(form1::picture::Section)->CurrentFigure(), Figure::Circulo3);
+        QVERIFY(s.view->Picture(form1::picture::Section)->Sketch()->Conduit());
         // The trapezoidal family: no sketch until a depth is computed.
-        Press(*s.view, "Command1");
-        const char* channel[][2] = {{"Text1", ""}, {"Text2", "0.001"}, {"Text3", "0"}, {"Text4", "1.5"}, {"Text8", "1"}};
-        for (const auto& b : channel) Type(*s.view, b[0], b[1]);
-        Press(*s.view, "Command4");
-        QCOMPARE(s.view->Picture("Picture1")->CurrentFigure(), Figure::Ctrian1);
-        QVERIFY(!s.view->Picture("Picture1")->Sketch().has_value());
-        Type(*s.view, "Text1", "0.014");
-        Press(*s.view, "Command4");
+        Press(*s.view, form1::button::Trapezoidal);
+        const std::pair<std::string, const char*> channel[] = {{form1::box::Roughness, ""},
+                                                               {form1::box::Slope, "0.001"},
+                                                               {form1::box::Base, "0"},
+                                                               {form1::box::SideSlope, "1.5"},
+                                                               {form1::box::Discharge, "1"}};
+        for (const auto& [box, text] : channel) Type(*s.view, box, text);
+        Press(*s.view, form1::button::NormalDepth);
+        QCOMPARE(s.view->Picture(form1::picture::Section)->CurrentFigure(), Figure::Ctrian1);
+        QVERIFY(!s.view->Picture(form1::picture::Section)->Sketch().has_value());
+        Type(*s.view, form1::box::Roughness, "0.014");
+        Press(*s.view, form1::button::NormalDepth);
         QVERIFY(prompter.faults.isEmpty());
-        QVERIFY(s.view->Picture("Picture1")->Sketch().has_value());
+        QVERIFY(s.view->Picture(form1::picture::Section)->Sketch().has_value());
     }
 };
 

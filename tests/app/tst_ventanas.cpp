@@ -15,10 +15,16 @@
 #include "app/screen_window.hpp"
 #include "forms/format.hpp"
 #include "forms/val.hpp"
+#include "screens/form1.hpp"
+#include "screens/form3.hpp"
+#include "screens/profile_screen.hpp"
 #include "support.hpp"
 
 using namespace cauce;
 using namespace cauce::apptest;
+namespace form1 = cauce::screens::form1;
+namespace form3 = cauce::screens::form3;
+namespace profile = cauce::screens::profile;
 
 namespace {
 
@@ -75,8 +81,8 @@ class Ventanas : public QObject {
         QVERIFY(!nav->First()->isEnabled());
         QVERIFY(!nav->Previous()->isEnabled());
         QVERIFY(nav->Next()->isEnabled());
-        QCOMPARE(w->View()->Box("Text62")->text(), QStringLiteral("1"));
-        QCOMPARE(w->View()->Box("Text1")->text(), QStringLiteral("100.06"));
+        QCOMPARE(w->View()->Box(profile::box::SectionNumber)->text(), QStringLiteral("1"));
+        QCOMPARE(w->View()->Box(profile::LevelElevation(1))->text(), QStringLiteral("100.06"));
         QVERIFY(prompter.faults.isEmpty());
         QVERIFY(desktop.Exit());
         QVERIFY(desktop.Windows().empty());
@@ -91,12 +97,12 @@ class Ventanas : public QObject {
         app::Navigator* nav = view->DataNavigator();
         Click(nav->Next());
         QCOMPARE(nav->Position(), QStringLiteral("Registro 2 de 3"));
-        QCOMPARE(view->Box("Text62")->text(), QStringLiteral("2"));
+        QCOMPARE(view->Box(profile::box::SectionNumber)->text(), QStringLiteral("2"));
         Click(nav->Last());
         QCOMPARE(nav->Position(), QStringLiteral("Registro 3 de 3"));
         QVERIFY(!nav->Next()->isEnabled());
         QVERIFY(!nav->Last()->isEnabled());
-        Type(view, "Text95", "7.5");
+        Type(view, profile::box::Discharge, "7.5");
         Click(nav->Previous());
         QCOMPARE(nav->Position(), QStringLiteral("Registro 2 de 3"));
         QCOMPARE(Books()["rios.xlsx"]->rows[2]["Caudal"], std::string("7.5"));
@@ -114,24 +120,24 @@ class Ventanas : public QObject {
         app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
         app::ScreenWindow* w = desktop.Open("Form2");
         Books()["rios.xlsx"]->fail_save = "No se puede guardar el libro: el disco está lleno";
-        Type(w->View(), "Text95", "9");
+        Type(w->View(), profile::box::Discharge, "9");
         Click(w->View()->DataNavigator()->Next());
         QCOMPARE(prompter.faults,
                  QStringList{QStringLiteral("No se puede guardar el libro: el disco está lleno")});
         QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 3"));
-        QCOMPARE(w->View()->Box("Text95")->text(), QStringLiteral("9"));
+        QCOMPARE(w->View()->Box(profile::box::Discharge)->text(), QStringLiteral("9"));
         // "Salir" asks whether to lose the edit; "No" keeps the window, and the screen goes on.
         prompter.answer = false;
-        Click(w->View()->Button("Command3"));
+        Click(w->View()->Button(profile::button::Exit));
         QCOMPARE(prompter.questions.size(), 1);
         QVERIFY(prompter.questions[0].contains(QStringLiteral("¿Cerrar sin guardarlos?")));
         QCOMPARE(desktop.Windows().size(), std::size_t{1});
-        Click(w->View()->Button("Command2"));
+        Click(w->View()->Button(profile::button::Section));
         QCOMPARE(prompter.questions.size(), 1);
         QCOMPARE(desktop.Windows().size(), std::size_t{1});
         // "Salir" again, and this time the edit may go.
         prompter.answer = true;
-        Click(w->View()->Button("Command3"));
+        Click(w->View()->Button(profile::button::Exit));
         QCOMPARE(prompter.questions.size(), 2);
         QVERIFY(desktop.Windows().empty());
     }
@@ -180,7 +186,7 @@ class Ventanas : public QObject {
         RecordingPrompter prompter;
         app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
         app::ScreenWindow* first = desktop.Open("Form2");
-        Type(first->View(), "Text1", "250");
+        Type(first->View(), profile::LevelElevation(1), "250");
         QAction* form1 = MenuAction(first, QStringLiteral("Pantallas"), QStringLiteral("Form1"));
         QAction* form2 = MenuAction(first, QStringLiteral("Pantallas"), QStringLiteral("Form2"));
         QVERIFY(form1 && form2);
@@ -191,8 +197,8 @@ class Ventanas : public QObject {
         QCOMPARE(desktop.Windows()[1]->Model().Name(), std::string("Form1"));
         app::ScreenWindow* second = desktop.Windows()[2];
         QCOMPARE(second->Model().Name(), std::string("Form2"));
-        QCOMPARE(second->View()->Box("Text1")->text(), QString());
-        QCOMPARE(first->View()->Box("Text1")->text(), QStringLiteral("250"));
+        QCOMPARE(second->View()->Box(profile::LevelElevation(1))->text(), QString());
+        QCOMPARE(first->View()->Box(profile::LevelElevation(1))->text(), QStringLiteral("250"));
         QVERIFY(desktop.Exit());
     }
 
@@ -203,9 +209,9 @@ class Ventanas : public QObject {
         app::ScreenWindow* form2 = desktop.Open("Form2");
         app::ScreenWindow* form1 = desktop.Open("Form1");
         QVERIFY(form1);
-        Type(form2->View(), "Text96", "40");
+        Type(form2->View(), profile::box::FloodWidth, "40");
         QPointer<app::ScreenWindow> alive = form2;
-        Click(form1->View()->Button("Command3"));
+        Click(form1->View()->Button(form1::button::Exit));
         QVERIFY(desktop.Windows().empty());
         QCOMPARE(Books()["rios.xlsx"]->rows[0]["Ancho Zi"], std::string("40"));
         QCOMPARE(Books()["rios.xlsx"]->saves, 1);
@@ -218,7 +224,7 @@ class Ventanas : public QObject {
         RecordingPrompter prompter;
         app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
         app::ScreenWindow* w = desktop.Open("Form2");
-        Type(w->View(), "Text97", "0.05");
+        Type(w->View(), profile::box::FloodRoughness, "0.05");
         QVERIFY(w->close());
         QCOMPARE(Books()["rios.xlsx"]->rows[0]["Rugosidad Zi"], std::string("0.05"));
         QVERIFY(desktop.Windows().empty());
@@ -233,26 +239,25 @@ class Ventanas : public QObject {
         app::ScreenView* view = w->View();
         for (int k = 0; k < 3; ++k) {
             if (k) Click(view->DataNavigator()->Next());
-            Click(view->Button("Command2"));
+            Click(view->Button(profile::button::Section));
         }
         QVERIFY(w->Chart()->isHidden());
         const int narrow = w->width();
-        Type(view, "Text98", "1.2");
-        Click(view->Button("Command1"));
+        Type(view, profile::box::StartDepth, "1.2");
+        Click(view->Button(profile::button::Profiles));
         QVERIFY(prompter.faults.isEmpty());
         QVERIFY(w->Chart()->isVisible());
         QVERIFY(w->width() > narrow);
         const auto& points = w->Chart()->Points();
         QCOMPARE(points.size(), std::size_t{3});
-        const char* chainage[] = {"Text31", "Text33", "Text35"};
-        const char* type[] = {"Text32", "Text34", "Text36"};
-        const char* water[] = {"Text63", "Text64", "Text65"};
         QStringList labels;
         for (int k = 0; k < 3; ++k) {
             QCOMPARE(points[k].section, k + 1);
-            QCOMPARE(points[k].chainage, forms::Val(view->Box(chainage[k])->text().toStdString()));
-            QCOMPARE(points[k].type, view->Box(type[k])->text());
-            QCOMPARE(Q(forms::Format(points[k].water, "0.00")), view->Box(water[k])->text());
+            QCOMPARE(points[k].chainage,
+                     forms::Val(view->Box(profile::TableChainage(k + 1))->text().toStdString()));
+            QCOMPARE(points[k].type, view->Box(profile::TableType(k + 1))->text());
+            QCOMPARE(Q(forms::Format(points[k].water, "0.00")),
+                     view->Box(profile::TableWaterLevel(k + 1))->text());
             QCOMPARE(points[k].bed, 100.12 - 0.06 * (k + 1));
             QVERIFY(points[k].critical > points[k].bed);
             labels << QStringLiteral("%1 %2").arg(k + 1).arg(points[k].type);
@@ -274,21 +279,21 @@ class Ventanas : public QObject {
         const char* tops[] = {"104.60", "104.30", "104.00"};
         const char* widths[] = {"10", "12", "10"};
         const char* chainages[] = {"0", "150", "300"};
-        Type(view, "Text61", "3");
-        Type(view, "Text123", "0.03");
-        Type(view, "Text124", "0.002");
-        Type(view, "Text125", "60");
+        Type(view, form3::box::SectionCount, "3");
+        Type(view, form3::box::Roughness, "0.03");
+        Type(view, form3::box::Slope, "0.002");
+        Type(view, form3::box::Discharge, "60");
         for (int k = 0; k < 3; ++k) {
-            Type(view, "Text62", QString::number(k + 1));
-            Type(view, "Text1", beds[k]);
-            Type(view, "Text2", widths[k]);
-            Type(view, "Text3", tops[k]);
-            Type(view, "Text4", widths[k]);
-            Type(view, "Text131", chainages[k]);
-            Click(view->Button("Command2"));
+            Type(view, form3::box::SectionNumber, QString::number(k + 1));
+            Type(view, form3::LevelElevation(1), beds[k]);
+            Type(view, form3::LevelWidth(1), widths[k]);
+            Type(view, form3::LevelElevation(2), tops[k]);
+            Type(view, form3::LevelWidth(2), widths[k]);
+            Type(view, form3::box::Chainage, chainages[k]);
+            Click(view->Button(form3::button::Section));
         }
-        Type(view, "Text128", "3.002");
-        Click(view->Button("Command1"));
+        Type(view, form3::box::FinalDepth, "3.002");
+        Click(view->Button(form3::button::Profiles));
         QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
         const auto& points = w->Chart()->Points();
         QCOMPARE(points.size(), std::size_t{3});

@@ -12,19 +12,26 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "forms/val.hpp"
-#include "screens/natural_screen.hpp"
+#include "screens/form1.hpp"
+#include "screens/form3.hpp"
+#include "screens/form5.hpp"
+#include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 
 namespace {
 
 using cauce::forms::Screen;
+namespace form1 = cauce::screens::form1;
+namespace form3 = cauce::screens::form3;
+namespace form5 = cauce::screens::form5;
+namespace profile = cauce::screens::profile;
+namespace section = cauce::screens::section;
 
 // ---- Independent references ---------------------------------------------------------------------
 
@@ -106,36 +113,49 @@ const double kBackwater = BackwaterDepth(3, kN, kS, 6, 2.0, 100);  // 1.925
 
 // ---- Cases ---------------------------------------------------------------------------------------
 
-// A step is "Box=text" (typing) or "Command" (a click that must succeed).
-using Steps = std::vector<std::string>;
+// A step types a text into a box, or clicks a button (a click that must succeed).
+struct Step {
+    std::string control, text;
+    bool click = false;
+};
+using Steps = std::vector<Step>;
+
+Step Put(std::string_view box, std::string text) {
+    return {std::string(box), std::move(text)};
+}
+Step Press(std::string_view button) {
+    return {std::string(button), "", true};
+}
 
 struct Shown {
-    const char* box;
+    std::string box;
     double value;
     double tol;  // half a displayed unit plus the march's step
 };
+
+using Texts = std::vector<std::pair<std::string, std::string>>;
 
 struct Guard {
     const char* name;
     const char* screen;
     Steps before;        // the channel with the faulty datum, and any clicks before the faulty one
-    const char* button;  // the click the guard stops
+    std::string button;  // the click the guard stops
     std::string fault;   // its message, exactly; "" when the screen answers with a message instead
-    std::vector<std::pair<const char*, std::string>> message;  // texts after the faulty click
-    Steps fix;  // the datum corrected, and the clicks that compute the real channel
+    Texts message;       // texts after the faulty click
+    Steps fix;           // the datum corrected, and the clicks that compute the real channel
     std::vector<Shown> shown;
-    std::vector<std::pair<const char*, std::string>> texts;  // exact texts of the real channel
+    Texts texts;  // exact texts of the real channel
 };
 
 // The natural rectangle in the level table, with its roughness, slope and discharge boxes.
-Steps Rectangle(const char* n_box, const char* s_box, const char* q_box, const char* q) {
-    return {"Text1=100",
-            "Text2=3",
-            "Text3=103",
-            "Text4=3",
-            std::string(n_box) + "=0.015",
-            std::string(s_box) + "=0.001",
-            std::string(q_box) + "=" + q};
+Steps Rectangle(std::string_view n_box, std::string_view s_box, std::string_view q_box, const char* q) {
+    return {Put(section::LevelElevation(1), "100"),
+            Put(section::LevelWidth(1), "3"),
+            Put(section::LevelElevation(2), "103"),
+            Put(section::LevelWidth(2), "3"),
+            Put(n_box, "0.015"),
+            Put(s_box, "0.001"),
+            Put(q_box, q)};
 }
 
 Steps Join(std::initializer_list<Steps> parts) {
@@ -147,17 +167,12 @@ Steps Join(std::initializer_list<Steps> parts) {
 // Two sections of the rectangle 100 m apart on a slope of 0.001, both computed with "(Y?)", on Form2's
 // boxes; the profile starts at section 2.
 Steps TwoSectionReach() {
-    return Join(
-        {{"Text61=2", "Text62=1"},
-         Rectangle("Text93", "Text94", "Text95", "6"),
-         {"Text1=100.1", "Text3=103.1", "Command2", "Text62=2", "Text1=100", "Text3=103", "Command2"}});
-}
-
-Steps TwoSectionReachForm3() {
-    return Join({{"Text61=2", "Text62=1", "Text131=0"},
-                 Rectangle("Text123", "Text124", "Text125", "6"),
-                 {"Text1=100.1", "Text3=103.1", "Command2", "Text62=2", "Text131=100", "Text1=100",
-                  "Text3=103", "Command2"}});
+    return Join({{Put(profile::box::SectionCount, "2"), Put(profile::box::SectionNumber, "1")},
+                 Rectangle(profile::box::Roughness, profile::box::Slope, profile::box::Discharge, "6"),
+                 {Put(profile::LevelElevation(1), "100.1"), Put(profile::LevelElevation(2), "103.1"),
+                  Press(profile::button::Section), Put(profile::box::SectionNumber, "2"),
+                  Put(profile::LevelElevation(1), "100"), Put(profile::LevelElevation(2), "103"),
+                  Press(profile::button::Section)}});
 }
 
 const char* const kEndless =
@@ -169,156 +184,121 @@ const char* const kPendienteNula =
 const std::vector<Guard>& Cases() {
     static const std::vector<Guard> cases = {
         // Zero slope: no depth carries the discharge (the legacy march never ended).
-        {"ZeroSlopeOverTheBanksForm3",
-         "Form3",
-         Join({{"Text61=3", "Text62=1", "Text126=20", "Text127=0.04"},
-               Rectangle("Text123", "Text124", "Text125", "30"),
-               {"Text124=0"}}),
-         "Command2",
-         kPendienteNula,
-         {},
-         {"Text124=0.001", "Command2"},
-         {{"Text129", 3 + kRectHz, 0.005 + 0.002}},
-         {{"Label31", "HAY DESBORDAMIENTO"}}},
         {"ZeroSlopeOverTheBanksForm5",
          "Form5",
-         Join({{"Text62=1", "Text96=20", "Text97=0.04"},
-               Rectangle("Text93", "Text94", "Text95", "30"),
-               {"Text94=0"}}),
-         "Command2",
+         Join({{Put(form5::box::SectionNumber, "1"), Put(form5::box::FloodWidth, "20"),
+                Put(form5::box::FloodRoughness, "0.04")},
+               Rectangle(form5::box::Roughness, form5::box::Slope, form5::box::Discharge, "30"),
+               {Put(form5::box::Slope, "0")}}),
+         form5::button::Section,
          kPendienteNula,
          {},
-         {"Text94=0.001", "Command2"},
-         {{"Text99", 3 + kRectHz, 0.007},
-          {"Text101", kRectFull, 0.005},
-          {"Text102", 9 + kRectHz * (3 + kRectHz) + 17 * kRectHz, 0.005 + 0.002 * 21},
-          {"Text103", 20 + 2 * kRectHz, 0.005 + 0.004}},
+         {Put(form5::box::Slope, "0.001"), Press(form5::button::Section)},
+         {{form5::box::NormalDepth, 3 + kRectHz, 0.007},
+          {form5::box::BankfullDischarge, kRectFull, 0.005},
+          {form5::box::Area, 9 + kRectHz * (3 + kRectHz) + 17 * kRectHz, 0.005 + 0.002 * 21},
+          {form5::box::TopWidth, 20 + 2 * kRectHz, 0.005 + 0.004}},
          {}},
         // Zero roughness: Form4 divides by it while building the tables; Form3 refuses it first.
         {"ZeroRoughnessForm4",
          "Form4",
-         Join({{"Text61=3", "Text62=1"}, Rectangle("Text93", "Text94", "Text95", "6"), {"Text93=0"}}),
-         "Command2",
+         Join({{Put(profile::box::SectionCount, "3"), Put(profile::box::SectionNumber, "1")},
+               Rectangle(profile::box::Roughness, profile::box::Slope, profile::box::Discharge, "6"),
+               {Put(profile::box::Roughness, "0")}}),
+         profile::button::Section,
          "División por cero",
          {},
-         {"Text93=0.015", "Command2"},
-         {{"Text99", kRectYn, 0.007}, {"Text100", kRectYc, 0.007}},
-         {{"Label31", ""}}},
+         {Put(profile::box::Roughness, "0.015"), Press(profile::button::Section)},
+         {{profile::box::NormalDepth, kRectYn, 0.007}, {profile::box::CriticalDepth, kRectYc, 0.007}},
+         {{profile::label::Message, ""}}},
         {"ZeroRoughnessForm3",
          "Form3",
-         Join({{"Text61=3", "Text62=1"}, Rectangle("Text123", "Text124", "Text125", "6"), {"Text123=0"}}),
-         "Command2",
+         Join({{Put(form3::box::SectionCount, "3"), Put(form3::box::SectionNumber, "1")},
+               Rectangle(form3::box::Roughness, form3::box::Slope, form3::box::Discharge, "6"),
+               {Put(form3::box::Roughness, "0")}}),
+         form3::button::Section,
          "",
-         {{"Label31", "Falta la Rugosidad"}, {"Text129", ""}},
-         {"Text123=0.015", "Command2"},
-         {{"Text129", kRectYn, 0.007}, {"Text130", kRectYc, 0.007}},
-         {{"Label31", ""}}},
+         {{form3::label::Message, "Falta la Rugosidad"}, {form3::box::NormalDepth, ""}},
+         {Put(form3::box::Roughness, "0.015"), Press(form3::button::Section)},
+         {{form3::box::NormalDepth, kRectYn, 0.007}, {form3::box::CriticalDepth, kRectYc, 0.007}},
+         {{form3::label::Message, ""}}},
         // A flood zone narrower than the channel at its banks: a negative flood-zone area.
-        {"NarrowFloodZoneYnForm1",
-         "Form1",
-         {"Command1", "Text1=0.015", "Text2=0.001", "Text3=2", "Text4=1", "Text5=1", "Text6=3", "Text7=0.04",
-          "Text8=10"},
-         "Command4",
-         "El ancho de la zona inundable es menor que el ancho del canal a banca llena (revise el Ancho zona)",
-         {{"Text9", ""}},
-         {"Text6=20", "Command4"},
-         {{"Text9", 1 + kTrapD, 0.005 + 0.0025},
-          {"Text16", 3 + kTrapD * (4 + kTrapD), 0.005 + 0.0025 * 5},
-          {"Text20", 16 * kTrapD, 0.005 + 0.0025 * 16},
-          {"Text14", Manning(3, kTrapPb, kN, kS), 0.0005}},
-         {{"Label21", "HAY DESBORDAMIENTO"}}},
         {"NarrowFloodZoneQForm1",
          "Form1",
-         {"Command1", "Text1=0.015", "Text2=0.001", "Text3=2", "Text4=1", "Text5=1", "Text6=3", "Text7=0.04",
-          "Text9=1.3"},
-         "Command5",
+         {Press(form1::button::Trapezoidal), Put(form1::box::Roughness, "0.015"),
+          Put(form1::box::Slope, "0.001"), Put(form1::box::Base, "2"), Put(form1::box::SideSlope, "1"),
+          Put(form1::box::BankHeight, "1"), Put(form1::box::FloodWidth, "3"),
+          Put(form1::box::FloodRoughness, "0.04"), Put(form1::box::NormalDepth, "1.3")},
+         form1::button::Discharge,
          "El ancho de la zona inundable es menor que el ancho del canal a banca llena (revise el Ancho zona)",
-         {{"Text8", ""}},
-         {"Text6=20", "Command5"},
-         {{"Text8", kTrapQAt13, 0.0005}, {"Text16", 4.29, 0.005}, {"Text20", 4.8, 0.005}},
-         {{"Label21", "HAY DESBORDAMIENTO"}}},
+         {{form1::box::Discharge, ""}},
+         {Put(form1::box::FloodWidth, "20"), Press(form1::button::Discharge)},
+         {{form1::box::Discharge, kTrapQAt13, 0.0005},
+          {form1::box::MainArea, 4.29, 0.005},
+          {form1::box::FloodArea, 4.8, 0.005}},
+         {{form1::label::Message, "HAY DESBORDAMIENTO"}}},
         // A discharge no channel carries.
         {"HugeDischargeOverTheBanksForm5",
          "Form5",
-         Join({{"Text62=1", "Text96=20", "Text97=0.04"}, Rectangle("Text93", "Text94", "Text95", "1e30")}),
-         "Command2",
+         Join({{Put(form5::box::SectionNumber, "1"), Put(form5::box::FloodWidth, "20"),
+                Put(form5::box::FloodRoughness, "0.04")},
+               Rectangle(form5::box::Roughness, form5::box::Slope, form5::box::Discharge, "1e30")}),
+         form5::button::Section,
          "La profundidad sobre las orillas no se alcanza: el cálculo no termina (revise la Pendiente y las "
          "rugosidades)",
-         {{"Text99", ""}},
-         {"Text95=30", "Command2"},
-         {{"Text99", 3 + kRectHz, 0.007}},
+         {{form5::box::NormalDepth, ""}},
+         {Put(form5::box::Discharge, "30"), Press(form5::button::Section)},
+         {{form5::box::NormalDepth, 3 + kRectHz, 0.007}},
          {}},
         {"HugeDischargeOverTheBanksForm1",
          "Form1",
-         {"Command1", "Text1=0.015", "Text2=0.001", "Text3=2", "Text4=1", "Text5=1", "Text6=20", "Text7=0.04",
-          "Text8=1e30"},
-         "Command4",
+         {Press(form1::button::Trapezoidal), Put(form1::box::Roughness, "0.015"),
+          Put(form1::box::Slope, "0.001"), Put(form1::box::Base, "2"), Put(form1::box::SideSlope, "1"),
+          Put(form1::box::BankHeight, "1"), Put(form1::box::FloodWidth, "20"),
+          Put(form1::box::FloodRoughness, "0.04"), Put(form1::box::Discharge, "1e30")},
+         form1::button::NormalDepth,
          "La profundidad sobre las orillas no se alcanza: el cálculo no termina (revise las rugosidades, la "
          "Pendiente y el Caudal)",
-         {{"Text9", ""}},
-         {"Text8=10", "Command4"},
-         {{"Text9", 1 + kTrapD, 0.0075}},
+         {{form1::box::NormalDepth, ""}},
+         {Put(form1::box::Discharge, "10"), Press(form1::button::NormalDepth)},
+         {{form1::box::NormalDepth, 1 + kTrapD, 0.0075}},
          {}},
         {"HugeDischargeWithoutBanksForm1",
          "Form1",
-         {"Command1", "Text1=0.015", "Text2=0.001", "Text3=2", "Text4=1", "Text8=1e30"},
-         "Command4",
+         {Press(form1::button::Trapezoidal), Put(form1::box::Roughness, "0.015"),
+          Put(form1::box::Slope, "0.001"), Put(form1::box::Base, "2"), Put(form1::box::SideSlope, "1"),
+          Put(form1::box::Discharge, "1e30")},
+         form1::button::NormalDepth,
          "El tirante crítico no converge: el cálculo no termina (revise la Base, el Talud y el Caudal)",
-         {{"Text9", ""}, {"Text12", ""}},
-         {"Text8=2", "Command4"},
-         {{"Text9", kTrapYn, 0.006}, {"Text12", kTrapYc, 0.006}},
-         {{"Text5", "Sin límite"}}},
-        // Section 51: one past the arrays.
-        {"SectionFiftyOneForm5",
-         "Form5",
-         Join({{"Text62=51"}, Rectangle("Text93", "Text94", "Text95", "6")}),
-         "Command2",
-         "Subíndice fuera del intervalo: 51 no está entre 0 y 50",
-         {{"Text99", ""}},
-         {"Text62=1", "Command2"},
-         {{"Text99", kRectYn, 0.007}, {"Text100", kRectYc, 0.007}, {"Text101", kRectFull, 0.005}},
-         {}},
-        {"SectionFiftyOneForm3",
-         "Form3",
-         Join({{"Text61=3", "Text62=51"}, Rectangle("Text123", "Text124", "Text125", "6")}),
-         "Command2",
-         "Subíndice fuera del intervalo: 51 no está entre 0 y 50",
-         {{"Text129", ""}},
-         {"Text62=1", "Command2"},
-         {{"Text129", kRectYn, 0.007}, {"Text130", kRectYc, 0.007}},
-         {}},
+         {{form1::box::NormalDepth, ""}, {form1::box::CriticalDepth, ""}},
+         {Put(form1::box::Discharge, "2"), Press(form1::button::NormalDepth)},
+         {{form1::box::NormalDepth, kTrapYn, 0.006}, {form1::box::CriticalDepth, kTrapYc, 0.006}},
+         {{form1::box::BankHeight, "Sin límite"}}},
         // A start depth so large that a 5 mm step leaves it as it is: the energy never changes, the
         // distance never grows (the legacy march never ended).
         {"EndlessProfileForm2",
          "Form2",
-         Join({TwoSectionReach(), {"Text31=0", "Text33=100", "Text98=1e17"}}),
-         "Command1",
+         Join({TwoSectionReach(),
+               {Put(profile::TableChainage(1), "0"), Put(profile::TableChainage(2), "100"),
+                Put(profile::box::StartDepth, "1e17")}}),
+         profile::button::Profiles,
          kEndless,
-         {{"Text63", ""}},
-         {"Text98=2", "Command1"},
-         {{"Text64", 102.0, 0.001}, {"Text63", 100.1 + kBackwater, 0.005 + 0.006}},
-         {{"Text34", "M1"}}},
-        {"EndlessProfileForm3",
-         "Form3",
-         Join({TwoSectionReachForm3(), {"Text128=1e17"}}),
-         "Command1",
-         kEndless,
-         {{"Text76", ""}},
-         {"Text128=2", "Command1"},
-         {{"Text77", 102.0, 0.001}, {"Text76", 100.1 + kBackwater, 0.005 + 0.006}},
-         {}},
+         {{profile::TableWaterLevel(1), ""}},
+         {Put(profile::box::StartDepth, "2"), Press(profile::button::Profiles)},
+         {{profile::TableWaterLevel(2), 102.0, 0.001},
+          {profile::TableWaterLevel(1), 100.1 + kBackwater, 0.005 + 0.006}},
+         {{profile::TableType(2), "M1"}}},
     };
     return cases;
 }
 
 void Do(Screen& screen, const Steps& steps) {
     for (const auto& s : steps) {
-        const auto eq = s.find('=');
-        if (eq != std::string::npos) {
-            screen.Type(s.substr(0, eq), s.substr(eq + 1));
+        if (!s.click) {
+            screen.Type(s.control, s.text);
         } else {
-            const auto error = screen.Click(s);
-            ASSERT_FALSE(error.has_value()) << s << ": " << *error;
+            const auto error = screen.Click(s.control);
+            ASSERT_FALSE(error.has_value()) << s.control << ": " << *error;
         }
     }
 }
@@ -354,40 +334,5 @@ TEST_P(GuardTest, StopsTheClickWithItsMessageAndTheScreenComputesTheRealChannel)
 
 INSTANTIATE_TEST_SUITE_P(Guards, GuardTest, ::testing::ValuesIn(Cases()),
                          [](const auto& info) { return std::string(info.param.name); });
-
-// Q exactly the bank-full discharge counts as in the banks, yet no level carries more than Q: the march
-// finds no band and runs in the one a previous search left, none on a fresh screen. The bank-full
-// discharge is read from another screen given the same section, so that Q equals it to the last bit.
-TEST(StaleBand, DischargeEqualToBankFullOnAFreshScreen) {
-    for (const char* name : {"Form2", "Form5"}) {
-        SCOPED_TRACE(name);
-        const Steps numbers =
-            std::string(name) == "Form5" ? Steps{"Text62=1"} : Steps{"Text61=3", "Text62=1"};
-        const Steps section = Join({numbers, Rectangle("Text93", "Text94", "Text95", "6")});
-        auto probe = cauce::screens::MakeScreen(name);
-        ASSERT_NO_FATAL_FAILURE(Do(*probe, Join({section, {"Command2"}})));
-        const auto& natural = dynamic_cast<const cauce::screens::NaturalScreen&>(*probe);
-        const double full = natural.State().Qlleno(1);
-        EXPECT_NEAR(full, kRectFull, 1e-6);
-        char q[32];
-        std::snprintf(q, sizeof q, "%.17g", full);
-
-        auto screen = cauce::screens::MakeScreen(name);
-        ASSERT_NO_FATAL_FAILURE(Do(*screen, section));
-        screen->Type("Text95", q);
-        const auto error = screen->Click("Command2");
-        ASSERT_TRUE(error.has_value());
-        EXPECT_EQ(*error, "Subíndice fuera del intervalo: -1 no está entre 0 y 20");
-        EXPECT_EQ(screen->Get("Text99").text, "");
-
-        // The next discharge, in the banks, is computed as on a fresh screen.
-        screen->Type("Text95", "6");
-        ASSERT_FALSE(screen->Click("Command2").has_value());
-        EXPECT_NEAR(cauce::forms::Val(screen->Get("Text99").text), kRectYn, 0.007);
-        EXPECT_NEAR(cauce::forms::Val(screen->Get("Text100").text), kRectYc, 0.007);
-        EXPECT_EQ(screen->Get("Text99").text, probe->Get("Text99").text);
-        EXPECT_EQ(screen->Get("Text100").text, probe->Get("Text100").text);
-    }
-}
 
 }  // namespace

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "hydraulics/profiles/profile.hpp"
-#include "screens/registry.hpp"
 
 using cauce::Fault;
 using cauce::natural::State;
@@ -284,12 +283,6 @@ TEST(ProfileGuards, FaultsInsteadOfCrashesOrHangs) {
              pf::Perfilm(st, 2, small);
          },
          pf::kEndlessMarch},
-        {"section 51 as the last section",
-         [](State& st) {
-             st.N = 51;
-             pf::SetStartDepth(st, 1.0);
-         },
-         "Subíndice fuera del intervalo: 51 no está entre 0 y 50"},
         {"reach lengths up to section 51",
          [](State& st) {
              st.N = 51;
@@ -319,29 +312,3 @@ TEST(ProfileGuards, FaultsInsteadOfCrashesOrHangs) {
     }
 }
 
-TEST(ProfileTable, RowsOneToFifteenWhateverN) {
-    State st = Reach(3);
-    st.Za(10) = 5.5;
-    st.V(10) = 2.25;
-    st.Ysoc(10) = -0.5;
-    st.Tipo(0) = "M1";
-    ASSERT_TRUE(pf::SetStartDepth(st, 2.0));
-    for (int j = 1; j <= 3; ++j) st.X(j) = 50.0 * j;
-    pf::ProfileRun(st);
-    const auto rows = pf::Tabla(st);
-    EXPECT_EQ(rows[0].tipo, "M1");
-    EXPECT_EQ(rows[2].zw, st.Za(3));
-    EXPECT_EQ(rows[9].tipo, "");
-    EXPECT_EQ(rows[9].zw, 5.5);
-    EXPECT_EQ(rows[9].v, 2.25);
-    EXPECT_EQ(rows[9].ysoc, -0.5);
-    EXPECT_EQ(rows[14].zw, 0);
-}
-
-TEST(ProfileScreens, Form4ReadsItsOwnSheetAndSlopeColumn) {
-    // Captions and layout are checked by the form4_perfil_* scripts; the binding differs here only.
-    auto f2 = cauce::screens::MakeScreen("Form2");
-    auto f4 = cauce::screens::MakeScreen("Form4");
-    EXPECT_EQ(f2->Sheet() + " " + f2->Get("Text94").column, "Persecc Si");
-    EXPECT_EQ(f4->Sheet() + " " + f4->Get("Text94").column, "Percanal So");
-}

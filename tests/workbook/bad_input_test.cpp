@@ -299,8 +299,8 @@ TEST_F(WorkbookTest, MissingColumnLeavesItsBoxUnboundAndSaysSo) {
                                " no tiene la columna \"So\": su cuadro queda sin enlazar.";
     const auto first = nlohmann::json::parse(r.out.substr(0, r.out.find('\n')));
     EXPECT_EQ(first.value("aviso", ""), notice);
-    EXPECT_EQ(first["Text94"], "");       // unbound
-    EXPECT_EQ(first["Text93"], "0.015");  // the others are bound
+    EXPECT_EQ(Shown(first, profile::box::Slope), "");           // unbound
+    EXPECT_EQ(Shown(first, profile::box::Roughness), "0.015");  // the others are bound
     EXPECT_EQ(r.err, "guion: línea 2: " + notice + "\n");
     EXPECT_EQ(Slurp(file), before);
 }
@@ -319,11 +319,11 @@ TEST_F(WorkbookTest, TextWhereANumberBelongsReadsAsTheLegacyConversionReadsIt) {
     std::getline(lines, a);
     std::getline(lines, b);
     const auto first = nlohmann::json::parse(a), second = nlohmann::json::parse(b);
-    EXPECT_EQ(first["Text95"], "38 m3/s");
-    EXPECT_EQ(first["Text99"], "1.93");  // as with 38 (the bundled reach's section 1)
+    EXPECT_EQ(Shown(first, profile::box::Discharge), "38 m3/s");
+    EXPECT_EQ(Shown(first, profile::box::NormalDepth), "1.93");  // as with 38 (the bundled reach's section 1)
     EXPECT_FALSE(first.contains("error"));
-    EXPECT_EQ(second["Text95"], "mucho");  // reads 0: "(Y?)" stops before any result
-    EXPECT_EQ(second["Text99"], "1.93");
+    EXPECT_EQ(Shown(second, profile::box::Discharge), "mucho");  // reads 0: "(Y?)" stops before any result
+    EXPECT_EQ(Shown(second, profile::box::NormalDepth), "1.93");
     EXPECT_FALSE(second.contains("error"));
     EXPECT_EQ(Slurp(file), before);  // nothing typed, nothing saved
 }

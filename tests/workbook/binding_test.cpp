@@ -27,7 +27,7 @@ TEST_F(WorkbookTest, NavigatorMovesAndStaysAtTheEnds) {
     std::vector<std::string> got;
     for (std::string l; std::getline(lines, l);) {
         const auto j = nlohmann::json::parse(l);
-        got.push_back(j["registro"].get<std::string>() + " " + j["Text62"].get<std::string>());
+        got.push_back(j["registro"].get<std::string>() + " " + Shown(j, profile::box::SectionNumber));
     }
     EXPECT_EQ(got, (std::vector<std::string>{"1 de 12 1", "12 de 12 12", "12 de 12 12", "2 de 12 2"}));
 }
@@ -50,7 +50,7 @@ TEST_F(WorkbookTest, SalirAndAChangeOfScreenSaveThePendingRecord) {
         "pantalla Form2\nlibro rio.xlsx\nescribir Text93 0.05\nlibro rio.xlsx\nregistro 2\nregistro "
         "1\nmostrar\n");
     ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(nlohmann::json::parse(r.out)["Text93"], "0.05");
+    EXPECT_EQ(Shown(nlohmann::json::parse(r.out), profile::box::Roughness), "0.05");
 }
 
 TEST_F(WorkbookTest, AnEditThatCannotBeSavedStaysPending) {
@@ -59,12 +59,12 @@ TEST_F(WorkbookTest, AnEditThatCannotBeSavedStaysPending) {
     workbook::Install();
     auto screen = screens::MakeScreen("Form2");
     screen->OpenWorkbook("rio.xlsx");
-    screen->Type("Text93", "0.045");
+    screen->Type(profile::box::Roughness, "0.045");
     fs::permissions(file, fs::perms::owner_read);
     EXPECT_THROW(screen->MoveTo(2), Fault);
     EXPECT_EQ(screen->Record(), 1);
     EXPECT_TRUE(screen->Dirty());
-    EXPECT_EQ(screen->Get("Text93").text, "0.045");
+    EXPECT_EQ(screen->Get(profile::box::Roughness).text, "0.045");
     EXPECT_EQ(Slurp(file), Slurp(kRios));
 
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);

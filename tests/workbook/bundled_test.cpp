@@ -20,10 +20,6 @@ std::vector<json> Lines(const std::string& out) {
     return v;
 }
 
-std::string Text(int n) {
-    return "Text" + std::to_string(n);
-}
-
 TEST_F(WorkbookTest, WholeReachOfTheBundledRiosComputesAndItsTableLandsInTheWorkbook) {
     // Every section's "(Y?)" in record order (the last one, N = 12, arms "Perfiles"), then the profile
     // from a downstream depth of 2.2 m, then back to the first record, which saves the last one.
@@ -41,29 +37,32 @@ TEST_F(WorkbookTest, WholeReachOfTheBundledRiosComputesAndItsTableLandsInTheWork
         const json& s = lines[static_cast<std::size_t>(k - 1)];
         EXPECT_FALSE(s.contains("error")) << "section " << k << ": " << s.value("error", "");
         EXPECT_EQ(s["registro"], std::to_string(k) + " de 12");
-        EXPECT_EQ(s["Text62"], std::to_string(k));
-        EXPECT_NE(s["Text99"], "") << "section " << k;
-        EXPECT_EQ(s["Label26"], "ZONA INUNDABLE:") << "section " << k << ": a faulty level table";
-        if (s["Label31"] == "HAY DESBORDAMIENTO") ++overflowing;
-        if (std::stod(s["Text99"].get<std::string>()) < std::stod(s["Text100"].get<std::string>())) ++steep;
+        EXPECT_EQ(Shown(s, profile::box::SectionNumber), std::to_string(k));
+        EXPECT_NE(Shown(s, profile::box::NormalDepth), "") << "section " << k;
+        EXPECT_EQ(Shown(s, profile::label::FloodZone), "ZONA INUNDABLE:")
+            << "section " << k << ": a faulty level table";
+        if (Shown(s, profile::label::Message) == "HAY DESBORDAMIENTO") ++overflowing;
+        if (std::stod(Shown(s, profile::box::NormalDepth)) < std::stod(Shown(s, profile::box::CriticalDepth)))
+            ++steep;
     }
     EXPECT_EQ(overflowing, 1);
     EXPECT_GE(steep, 2);
-    EXPECT_EQ(lines[11]["Command1"], "Perfiles");
+    EXPECT_EQ(Shown(lines[11], profile::button::Profiles), "Perfiles");
 
     const json& table = lines[12];
     ASSERT_FALSE(table.contains("error")) << table.value("error", "");
     std::set<std::string> types;
-    for (int j = 1; j <= 12; ++j) types.insert(table[Text(30 + 2 * j)].get<std::string>());
+    for (int j = 1; j <= 12; ++j) types.insert(Shown(table, profile::TableType(j)));
     EXPECT_TRUE(types.count("M1") && types.count("M2") && (types.count("S1") || types.count("S2")));
 
     // The table of the current record (section 12) is in the workbook, as numbers and texts.
     workbook::SheetRecords saved(workbook::Workbook::Open(file), "Persecc");
     for (int j = 1; j <= 12; ++j) {
         const std::string n = std::to_string(j);
-        EXPECT_EQ(saved.Get(12, "Tipo" + n), table[Text(30 + 2 * j)]) << j;
-        EXPECT_EQ(std::stod(saved.Get(12, "Za" + n)), std::stod(table[Text(62 + j)].get<std::string>())) << j;
-        EXPECT_EQ(std::stod(saved.Get(12, "V" + n)), std::stod(table[Text(77 + j)].get<std::string>())) << j;
+        EXPECT_EQ(saved.Get(12, "Tipo" + n), Shown(table, profile::TableType(j))) << j;
+        EXPECT_EQ(std::stod(saved.Get(12, "Za" + n)), std::stod(Shown(table, profile::TableWaterLevel(j))))
+            << j;
+        EXPECT_EQ(std::stod(saved.Get(12, "V" + n)), std::stod(Shown(table, profile::TableVelocity(j)))) << j;
         EXPECT_EQ(saved.Get(11, "Tipo" + n), "") << "only the current record takes the table";
     }
     // Everything else of the sheet is as bundled.

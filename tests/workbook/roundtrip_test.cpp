@@ -49,7 +49,7 @@ TEST_F(WorkbookTest, OpenpyxlFindsTheEditsAndEverythingElseIntact) {
     ASSERT_EQ(r.status, 0) << r.err;
     const auto lines = nlohmann::json::parse(r.out.substr(0, r.out.find('\n')));
     EXPECT_EQ(lines["registro"], "3 de 3");
-    EXPECT_EQ(lines["Text95"], "55");
+    EXPECT_EQ(Shown(lines, profile::box::Discharge), "55");
 
     {
         forms::SetSourceOpener(nullptr);

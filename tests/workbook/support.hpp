@@ -9,8 +9,12 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
 
 #include "forms/guion.hpp"
+#include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 #include "tests/unit/test_support.hpp"
 #include "workbook/install.hpp"
@@ -18,6 +22,12 @@
 namespace cauce::test {
 
 namespace fs = std::filesystem;
+namespace profile = screens::profile;
+
+// What one line of the driver's JSON shows in a control ("" when absent).
+inline std::string Shown(const nlohmann::json& line, std::string_view control) {
+    return line.value(std::string(control), std::string());
+}
 
 inline std::string Slurp(const fs::path& p) {
     std::ifstream in(p, std::ios::binary);
