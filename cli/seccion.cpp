@@ -8,12 +8,12 @@
 
 #include "cli/args.hpp"
 #include "cli/command.hpp"
-#include "reach/run.hpp"
 #include "cli/text_table.hpp"
 #include "forms/binding.hpp"
 #include "forms/survey_points.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/survey/survey.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
 

@@ -236,7 +236,9 @@ const ReachKind* KindOfSheet(std::string_view sheet) {
     return nullptr;
 }
 
-forms::ControlName DepthBox(const ReachKind& kind) { return BoxesOf(kind).depth; }
+forms::ControlName DepthBox(const ReachKind& kind) {
+    return BoxesOf(kind).depth;
+}
 
 std::string KindList() {
     return "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)";

@@ -98,9 +98,9 @@ class Archivo : public QObject {
         app::ScreenView* view = w->View();
         app::Navigator* nav = view->DataNavigator();
         QVERIFY(!nav->Delete()->isEnabled());
-        Type(view, profile::box::Discharge, "38");     // discharge: the same along the reach
-        Type(view, profile::box::Roughness, "0.035");  // roughness: the section's own
-        Type(view, profile::LevelElevation(1), "120");     // a pending edit, saved before the record is added
+        Type(view, profile::box::Discharge, "38");      // discharge: the same along the reach
+        Type(view, profile::box::Roughness, "0.035");   // roughness: the section's own
+        Type(view, profile::LevelElevation(1), "120");  // a pending edit, saved before the record is added
         QTest::mouseClick(nav->Add(), Qt::LeftButton);
         QCOMPARE(nav->Position(), QStringLiteral("Registro 2 de 2"));
         QCOMPARE(view->Box(profile::box::Discharge)->text(), QStringLiteral("38"));
@@ -122,7 +122,8 @@ class Archivo : public QObject {
         prompter.answer = true;
         QVERIFY(w->Files()->DeleteRecord());
         QCOMPARE(w->Model().RecordCount(), 2);
-        QCOMPARE(view->Box(profile::box::SectionNumber)->text(), QStringLiteral("2"));  // the record that followed
+        QCOMPARE(view->Box(profile::box::SectionNumber)->text(),
+                 QStringLiteral("2"));  // the record that followed
         QVERIFY(prompter.faults.isEmpty());
         QVERIFY(desktop.Exit());
     }
