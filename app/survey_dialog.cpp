@@ -20,6 +20,7 @@
 
 #include "forms/survey_points.hpp"
 #include "hydraulics/fault.hpp"
+#include "screens/natural_screen.hpp"
 
 namespace cauce::app {
 
@@ -30,12 +31,6 @@ QString Q(const std::string& s) {
 }
 
 // The boxes of level j (1..15) of the natural-section screens' level table.
-std::string ElevationBox(int j) {
-    return "Text" + std::to_string(2 * j - 1);
-}
-std::string WidthBox(int j) {
-    return "Text" + std::to_string(2 * j);
-}
 
 // A level's number as a person types it: at most three decimals, no trailing zeros.
 std::string Typed(double v) {
@@ -50,8 +45,8 @@ QString Percent(double fraction) {
 
 bool HasLevelTable(const forms::Screen& screen) {
     for (int j = 1; j <= survey::kMaxLevels; ++j) {
-        const forms::Control* z = screen.Find(ElevationBox(j));
-        const forms::Control* t = screen.Find(WidthBox(j));
+        const forms::Control* z = screen.Find(screens::section::LevelElevation(j));
+        const forms::Control* t = screen.Find(screens::section::LevelWidth(j));
         if (!z || !t || z->column != "z" + std::to_string(j) || t->column != "t" + std::to_string(j))
             return false;
     }
@@ -61,8 +56,8 @@ bool HasLevelTable(const forms::Screen& screen) {
 void TypeLevels(forms::Screen& screen, const std::vector<survey::Level>& levels) {
     for (int j = 1; j <= survey::kMaxLevels; ++j) {
         const auto k = static_cast<std::size_t>(j - 1);
-        screen.Type(ElevationBox(j), k < levels.size() ? Typed(levels[k].z) : "");
-        screen.Type(WidthBox(j), k < levels.size() ? Typed(levels[k].t) : "");
+        screen.Type(screens::section::LevelElevation(j), k < levels.size() ? Typed(levels[k].z) : "");
+        screen.Type(screens::section::LevelWidth(j), k < levels.size() ? Typed(levels[k].t) : "");
     }
 }
 

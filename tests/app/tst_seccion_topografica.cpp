@@ -15,6 +15,7 @@
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
 #include "app/survey_dialog.hpp"
+#include "screens/natural_screen.hpp"
 #include "screens/registry.hpp"
 #include "support.hpp"
 
@@ -98,9 +99,9 @@ class SeccionTopografica : public QObject {
             QTest::mouseClick(d->Apply(), Qt::LeftButton);
         });
         action->trigger();
-        const QStringList shown = {w->View()->Box("Text1")->text(), w->View()->Box("Text2")->text(),
-                                   w->View()->Box("Text5")->text(), w->View()->Box("Text6")->text(),
-                                   w->View()->Box("Text7")->text(), w->View()->Box("Text8")->text()};
+        const QStringList shown = {w->View()->Box(screens::section::LevelElevation(1))->text(), w->View()->Box(screens::section::LevelWidth(1))->text(),
+                                   w->View()->Box(screens::section::LevelElevation(3))->text(), w->View()->Box(screens::section::LevelWidth(3))->text(),
+                                   w->View()->Box(screens::section::LevelElevation(4))->text(), w->View()->Box(screens::section::LevelWidth(4))->text()};
         QCOMPARE(shown, (QStringList{"100", "0", "105", "8", "", ""}));
         w->View()->MoveRecord(app::Move::Next);
         const auto& saved = Books()["rios.xlsx"]->rows[0];
