@@ -12,6 +12,8 @@
 namespace cauce::workbook {
 namespace {
 
+using namespace cauce::test;
+
 constexpr const char* kSheet =
     "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData>"
     "<row r=\"1\"><c r=\"A1\" t=\"inlineStr\"><is><t>SecId</t></is></c><c r=\"B1\" "
