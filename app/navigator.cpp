@@ -26,6 +26,10 @@ Navigator::Navigator(QWidget* parent) : QWidget(parent) {
     previous_ = make(QStringLiteral("◀"), QStringLiteral("Registro anterior"));
     next_ = make(QStringLiteral("▶"), QStringLiteral("Registro siguiente"));
     last_ = make(QStringLiteral("▶|"), QStringLiteral("Último registro"));
+    add_ = make(QStringLiteral("+"), QStringLiteral("Agregar registro"));
+    delete_ = make(QStringLiteral("−"), QStringLiteral("Eliminar registro"));
+    add_->setAccessibleName(QStringLiteral("Agregar registro"));
+    delete_->setAccessibleName(QStringLiteral("Eliminar registro"));
     caption_ = new QLabel(this);
     position_ = new QLabel(this);
     position_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -43,10 +47,14 @@ Navigator::Navigator(QWidget* parent) : QWidget(parent) {
     layout->addWidget(middle, 1);
     layout->addWidget(next_);
     layout->addWidget(last_);
+    layout->addWidget(add_);
+    layout->addWidget(delete_);
     connect(first_, &QToolButton::clicked, this, &Navigator::firstRequested);
     connect(previous_, &QToolButton::clicked, this, &Navigator::previousRequested);
     connect(next_, &QToolButton::clicked, this, &Navigator::nextRequested);
     connect(last_, &QToolButton::clicked, this, &Navigator::lastRequested);
+    connect(add_, &QToolButton::clicked, this, &Navigator::addRequested);
+    connect(delete_, &QToolButton::clicked, this, &Navigator::deleteRequested);
     Show(QString(), 0, 0, false);
 }
 
@@ -57,6 +65,8 @@ void Navigator::Show(const QString& caption, int record, int count, bool open) {
     previous_->setEnabled(count > 0 && record > 1);
     next_->setEnabled(count > 0 && record < count);
     last_->setEnabled(count > 0 && record < count);
+    add_->setEnabled(open);
+    delete_->setEnabled(open && count > 1);
 }
 
 QString Navigator::Caption() const {

@@ -1,5 +1,7 @@
 // The record navigator of a screen's Data1: first, previous, next and last record, the caption and
-// the position ("Registro 3 de 12"). It only shows and asks; the screen view moves the model.
+// the position ("Registro 3 de 12"), and the buttons that add a record after the current one and
+// delete it. It only shows and asks; the screen view moves the model, the window's file actions
+// add and delete.
 #pragma once
 
 #include <QWidget>
@@ -23,15 +25,19 @@ class Navigator : public QWidget {
     QToolButton* Previous() const { return previous_; }
     QToolButton* Next() const { return next_; }
     QToolButton* Last() const { return last_; }
+    QToolButton* Add() const { return add_; }
+    QToolButton* Delete() const { return delete_; }
 
   signals:
     void firstRequested();
     void previousRequested();
     void nextRequested();
     void lastRequested();
+    void addRequested();
+    void deleteRequested();
 
   private:
-    QToolButton *first_, *previous_, *next_, *last_;
+    QToolButton *first_, *previous_, *next_, *last_, *add_, *delete_;
     QLabel *caption_, *position_;
 };
 

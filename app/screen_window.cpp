@@ -15,6 +15,8 @@
 #include "app/decimal_input.hpp"
 #include "app/desktop.hpp"
 #include "app/dialogs.hpp"
+#include "app/file_actions.hpp"
+#include "app/help_actions.hpp"
 #include "app/profile_chart.hpp"
 #include "app/save_refusal.hpp"
 #include "app/screen_view.hpp"
@@ -130,8 +132,11 @@ void ScreenWindow::BuildMenus() {
     save->setShortcut(QKeySequence::Save);
     save->setEnabled(model_->HasData());
     file->addSeparator();
-    file->addAction(QStringLiteral("&Cerrar la ventana"), this, [this] { close(); })
-        ->setShortcut(QKeySequence::Close);
+    QAction* close_window = file->addAction(QStringLiteral("&Cerrar la ventana"), this, [this] { close(); });
+    close_window->setShortcut(QKeySequence::Close);
+    files_ = new FileActions(*this, *model_, *view_, prompter_,
+                             [this](const QString& path) { return OpenWorkbook(path); });
+    files_->AddTo(*file, close_window);
     file->addAction(QStringLiteral("&Salir"), this,
                     [this] {
                         if (desktop_) desktop_->Exit();
@@ -162,6 +167,8 @@ void ScreenWindow::BuildMenus() {
         });
         a->setObjectName(Q(key));
     }
+
+    AddHelpActions(*menuBar()->addMenu(QStringLiteral("Ay&uda")), this);
 }
 
 // --- Cálculo: the whole reach, and the screen as it opens ---------------------------------------
@@ -320,6 +327,7 @@ bool ScreenWindow::OpenWorkbook(const QString& path) {
     Update();
     if (opened && !model_->Source()->ReadOnly().empty())
         prompter_.Note(this, Q(model_->Source()->ReadOnly()));
+    if (opened) FileActions::Remember(path);
     return opened;
 }
 

@@ -15,6 +15,7 @@ class QSplitter;
 namespace cauce::app {
 
 class Desktop;
+class FileActions;
 class ProfileChart;
 class ProfileTabs;
 class Prompter;
@@ -30,6 +31,8 @@ class ScreenWindow : public QMainWindow {
     ScreenView* View() const { return view_; }
     ProfileChart* Chart() const { return chart_; }
     ProfileTabs* Tabs() const { return profile_tabs_; }
+    // Archivo's new workbook, records, report, project data and table export.
+    FileActions* Files() const { return files_; }
 
     // Binds Data1 to the workbook at path; false (and a message) when it cannot be opened.
     bool OpenWorkbook(const QString& path);
@@ -74,6 +77,7 @@ class ScreenWindow : public QMainWindow {
     QSplitter* splitter_ = nullptr;
     QLabel* status_ = nullptr;
     QString chart_owner_;  // the button whose click drew the plot
+    FileActions* files_ = nullptr;
 };
 
 }  // namespace cauce::app

@@ -19,6 +19,7 @@ Command AddCanal(CLI::App& parent);
 Command AddTubo(CLI::App& parent);
 Command AddCurva(CLI::App& parent);
 Command AddInforme(CLI::App& parent);
+Command AddLibro(CLI::App& parent);
 Command AddSeccion(CLI::App& parent);
 
 // The options of a prismatic channel (--base --talud --rugosidad --pendiente --altura --ancho-zona

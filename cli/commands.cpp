@@ -33,6 +33,7 @@ void AddCommands(CLI::App& app) {
     commands.push_back(AddTubo(app));
     commands.push_back(AddCurva(app));
     commands.push_back(AddInforme(app));
+    commands.push_back(AddLibro(app));
     commands.push_back(AddSeccion(app));
     SpanishCommandLine(app);
 }

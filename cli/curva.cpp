@@ -9,7 +9,7 @@
 #include "cli/command.hpp"
 #include "cli/graphics.hpp"
 #include "cli/progress.hpp"
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 #include "cli/text_table.hpp"
 #include "cli/uniform.hpp"
 #include "forms/binding.hpp"
@@ -19,6 +19,8 @@
 #include "screens/form5.hpp"
 
 namespace cauce::cli {
+
+using namespace reach;
 
 namespace {
 

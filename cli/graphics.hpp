@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
 
@@ -17,10 +17,10 @@ struct CurvePoint {
 };
 
 struct CurvePlot {
-    std::string title;     // "Curva de gasto: Persecc, registro 3"
-    std::string subtitle;  // what the section is
+    std::string title;                                  // "Curva de gasto: Persecc, registro 3"
+    std::string subtitle;                               // what the section is
     double q_from = 0, q_to = 0;                        // the range asked for, m3/s
-    std::vector<CurvePoint> points;                    // the discharges with a normal depth
+    std::vector<CurvePoint> points;                     // the discharges with a normal depth
     std::vector<std::pair<std::string, double>> marks;  // reference discharges ("Q lleno", 51.7)
 };
 
@@ -33,7 +33,15 @@ std::string CannotDraw();
 // then left as it was.
 std::string WriteCurvePng(const CurvePlot& plot, const std::string& path);
 
+// The project fields given on the command line ("" keeps what the workbook holds); store writes
+// them into the workbook's document properties.
+struct ProjectOptions {
+    std::string proyecto, cliente, autor, reviso;
+    bool store = false;
+};
+
 // cauce informe: runs the reach and writes its report to output (PDF). Returns the exit status.
-int WriteReport(const std::string& book, const ReachOptions& options, const std::string& output);
+int WriteReport(const std::string& book, const reach::ReachOptions& options, const ProjectOptions& project,
+                const std::string& output);
 
 }  // namespace cauce::cli

@@ -6,16 +6,20 @@
 
 namespace cauce::cli {
 
-bool CanDraw() { return false; }
+bool CanDraw() {
+    return false;
+}
 
 std::string CannotDraw() {
     return "esta versión de cauce se compiló sin la aplicación de escritorio (Qt), que dibuja los gráficos "
            "y los informes; compílela con -DCAUCE_GUI=ON";
 }
 
-std::string WriteCurvePng(const CurvePlot&, const std::string&) { return CannotDraw(); }
+std::string WriteCurvePng(const CurvePlot&, const std::string&) {
+    return CannotDraw();
+}
 
-int WriteReport(const std::string&, const ReachOptions&, const std::string&) {
+int WriteReport(const std::string&, const ReachOptions&, const ProjectOptions&, const std::string&) {
     std::cerr << "cauce informe: " << CannotDraw() << "\n";
     return kExitData;
 }

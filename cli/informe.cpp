@@ -3,26 +3,31 @@
 #include "cli/args.hpp"
 #include "cli/command.hpp"
 #include "cli/graphics.hpp"
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
+
+using namespace reach;
 
 namespace {
 
 struct Options {
     std::string book, sheet, y_initial, y_final, output;
+    ProjectOptions project;
 };
 
 int Run(const Options& o) {
     if (o.output.empty()) throw UsageError("falta -o ARCHIVO.pdf: dónde escribir el informe");
     if (o.y_initial.empty() && o.y_final.empty())
-        throw UsageError("falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones \")");
+        throw UsageError(
+            "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
+            "\")");
     if (!o.y_initial.empty()) NumberOption("--y-inicial", o.y_initial, Sign::Positive);
     if (!o.y_final.empty()) NumberOption("--y-final", o.y_final, Sign::Positive);
     if (!o.sheet.empty() && !KindOfSheet(o.sheet))
         throw UsageError("--hoja: \"" + o.sheet + "\" no es una hoja de perfiles (use " + KindList() + ")");
     if (!CanDraw()) throw UsageError(CannotDraw());
-    return WriteReport(o.book, ReachOptions{o.sheet, o.y_initial, o.y_final, false}, o.output);
+    return WriteReport(o.book, ReachOptions{o.sheet, o.y_initial, o.y_final, false}, o.project, o.output);
 }
 
 }  // namespace
@@ -31,15 +36,28 @@ Command AddInforme(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand("informe", "Escribe en PDF el informe de cálculo de un tramo");
     app->add_option("LIBRO", o.book, "Libro de Excel del tramo")->required()->type_name("");
-    app->add_option("--hoja", o.sheet, "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)")
+    app->add_option("--hoja", o.sheet,
+                    "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)")
         ->type_name("NOMBRE");
-    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");
+    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")
+        ->type_name("Y");
     app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3")->type_name("Y");
     app->add_option("-o,--salida", o.output, "Archivo PDF del informe")->type_name("ARCHIVO");
+    app->add_option("--proyecto", o.project.proyecto, "Proyecto (si no, el guardado en el libro)")
+        ->type_name("TEXTO");
+    app->add_option("--cliente", o.project.cliente, "Cliente (si no, el guardado en el libro)")
+        ->type_name("TEXTO");
+    app->add_option("--autor", o.project.autor, "Autor (si no, el guardado en el libro)")->type_name("TEXTO");
+    app->add_option("--reviso", o.project.reviso, "Revisó (si no, el guardado en el libro)")
+        ->type_name("TEXTO");
+    app->add_flag("--guardar", o.project.store, "Guarda en el libro los datos del proyecto dados");
     app->footer(
-        "El tramo se calcula como en \"cauce perfil\" (las mismas pantallas, los mismos números) y el informe\n"
+        "El tramo se calcula como en \"cauce perfil\" (las mismas pantallas, los mismos números) y el "
+        "informe\n"
         "reúne los datos de entrada de cada sección, sus resultados, la tabla del perfil, el dibujo de cada\n"
         "sección transversal y el perfil longitudinal. El archivo se escribe completo o no se escribe.\n"
+        "Los datos del proyecto (Proyecto, Cliente, Autor, Revisó) se leen de las propiedades del libro;\n"
+        "las opciones los cambian solo para este informe, salvo con --guardar, que los guarda en el libro.\n"
         "Ejemplos:\n"
         "  cauce informe Rios.xlsx --y-inicial 1.8 -o informe.pdf\n"
         "  cauce informe Ormandi.xlsx --y-final 2.5 -o rio-negro.pdf");

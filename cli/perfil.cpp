@@ -1,5 +1,5 @@
 // cauce perfil: the water-surface profile of one or more reaches, each a workbook, computed on its
-// profile screen exactly as a person would (cli/reach.hpp), printed as text, CSV or JSON.
+// profile screen exactly as a person would (reach/run.hpp), printed as text, CSV or JSON.
 #include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -7,17 +7,20 @@
 #include "cli/args.hpp"
 #include "cli/command.hpp"
 #include "cli/progress.hpp"
-#include "cli/reach.hpp"
 #include "cli/standard_output.hpp"
 #include "cli/text_table.hpp"
+#include "reach/csv.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
+
+using namespace reach;
 
 namespace {
 
 struct Options {
     std::vector<std::string> books;
-    std::string sheet, y_initial, y_final, format = "texto";
+    std::string sheet, y_initial, y_final, format = "texto", separator = ",";
     bool save = false;
     std::string method = "legado", contraction, expansion, y_upstream;
 };
@@ -99,18 +102,23 @@ void PrintText(std::ostream& out, const ReachResult& r, const Methods& m) {
     out << "\n";
 }
 
-const char* kCsvHeader =
-    "libro,hoja,pantalla,registro,seccion,yn_m,yc_m,q_lleno_m3s,desborda,abscisa_m,tipo,z_agua_m,v_media_ms,"
-    "ysoc_m,"
-    "aviso\n";
+const std::vector<std::string> kCsvHeader{"libro", "hoja",     "pantalla",    "registro", "seccion",
+                                          "yn_m",  "yc_m",     "q_lleno_m3s", "desborda", "abscisa_m",
+                                          "tipo",  "z_agua_m", "v_media_ms",  "ysoc_m",   "aviso"};
 
-std::string CsvHeader(bool standard) {
-    std::string head = kCsvHeader;
-    if (standard) head.insert(head.size() - 1, std::string(",") + kStandardCsvColumns);
+std::vector<std::string> CsvHeader(bool standard) {
+    std::vector<std::string> head = kCsvHeader;
+    if (standard) {
+        std::string columns = kStandardCsvColumns;
+        std::size_t at = 0;
+        for (std::size_t comma; (comma = columns.find(',', at)) != std::string::npos; at = comma + 1)
+            head.push_back(columns.substr(at, comma - at));
+        head.push_back(columns.substr(at));
+    }
     return head;
 }
 
-void PrintCsv(std::ostream& out, const ReachResult& r, const Methods& m) {
+void PrintCsv(std::ostream& out, const ReachResult& r, const Methods& m, char separator) {
     if (!r.kind) return;
     for (const auto& [number, j] : JoinBySection(r)) {
         std::vector<std::string> f{r.path, r.kind->sheet, r.kind->form};
@@ -128,12 +136,7 @@ void PrintCsv(std::ostream& out, const ReachResult& r, const Methods& m) {
         }
         f.push_back(j.section ? SectionNotice(*j.section) : "");
         if (m.standard) AppendStandardCsv(f, r, number);
-        std::string line;
-        for (const auto& field : f) {
-            if (!line.empty()) line += ',';
-            line += CsvField(field);
-        }
-        out << line << "\n";
+        out << CsvLine(f, separator) << "\n";
     }
 }
 
@@ -213,7 +216,11 @@ int Run(const Options& o) {
     Progress progress("perfil", static_cast<int>(o.books.size()));
     auto json = nlohmann::ordered_json::array();
     bool failed = false;
-    if (format == Format::Csv) std::cout << CsvHeader(methods.standard);
+    if (o.separator != "," && o.separator != ";")
+        throw UsageError("--separador: \"" + o.separator +
+                         "\" no sirve: use \",\" (con punto decimal) o \";\" (con coma decimal)");
+    const char separator = o.separator.front();
+    if (format == Format::Csv) std::cout << CsvLine(CsvHeader(methods.standard), separator) << "\n";
     for (std::size_t b = 0; b < o.books.size(); ++b) {
         progress.Step(static_cast<int>(b) + 1, o.books[b]);
         ReachResult standard;  // the standard step's part, computed after "Perfiles"
@@ -239,9 +246,15 @@ int Run(const Options& o) {
                               << s.section << "): " << SectionNotice(s) << "\n";
         }
         switch (format) {
-            case Format::Text: PrintText(std::cout, r, methods); break;
-            case Format::Csv: PrintCsv(std::cout, r, methods); break;
-            case Format::Json: json.push_back(ToJson(r, methods)); break;
+            case Format::Text:
+                PrintText(std::cout, r, methods);
+                break;
+            case Format::Csv:
+                PrintCsv(std::cout, r, methods, separator);
+                break;
+            case Format::Json:
+                json.push_back(ToJson(r, methods));
+                break;
         }
         std::cout.flush();
     }
@@ -264,9 +277,12 @@ Command AddPerfil(CLI::App& parent) {
                     "Hoja del tramo: Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3); "
                     "sin ella, la primera de ellas que tenga el libro")
         ->type_name("NOMBRE");
-    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")->type_name("Y");
-    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")->type_name("Y");
-    app->add_flag("--guardar", o.save, "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
+    app->add_option("--y-inicial", o.y_initial, "Tirante en la última sección (m), Form2 y Form4")
+        ->type_name("Y");
+    app->add_option("--y-final", o.y_final, "Tirante en la última sección (m), Form3 (\"secciones \")")
+        ->type_name("Y");
+    app->add_flag("--guardar", o.save,
+                  "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
     app->add_option("--metodo", o.method,
                     "Perfil: legado (el de la pantalla, por omisión), estandar (paso estándar en régimen mixto) "
                     "o ambos")
@@ -280,6 +296,10 @@ Command AddPerfil(CLI::App& parent) {
                     "el flujo entra en pendiente fuerte")
         ->type_name("Y");
     app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
+    app->add_option("--separador", o.separator,
+                    "CSV: \",\" con punto decimal (por omisión) o \";\" con coma decimal, para hojas de "
+                    "cálculo en español")
+        ->type_name("SEP");
     app->footer(
         "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al "
         "final),\n"

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
+
+using reach::ReachResult;
 
 struct ReportPart {
     std::string heading;

@@ -8,12 +8,12 @@
 
 #include "cli/args.hpp"
 #include "cli/command.hpp"
-#include "cli/reach.hpp"
 #include "cli/text_table.hpp"
 #include "forms/binding.hpp"
 #include "forms/survey_points.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/survey/survey.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
 
@@ -97,7 +97,7 @@ void WriteRecord(const Options& o, const survey::Section& s) {
     std::string sheet = o.sheet;
     if (sheet.empty()) {
         std::string why;
-        sheet = DefaultSheet(o.book, why);
+        sheet = reach::DefaultSheet(o.book, why);
         if (sheet.empty()) throw Fault(why + " Dé la hoja con --hoja.");
     }
     for (const auto& l : s.levels)

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 
 namespace cauce::cli {
+
+using reach::ReachResult;
 
 // CSV columns added after the screen's: the standard step's values per section.
 inline constexpr const char* kStandardCsvColumns =

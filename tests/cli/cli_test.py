@@ -506,7 +506,9 @@ class InformeTest(Scratch):
         for p in reach["perfil"]:
             # The table row: section, chainage, type, elevation and velocity as the screen shows them.
             cells = [str(p["seccion"]), "%.2f" % p["abscisa"], p["tipo"], "%.2f" % p["z_agua"], "%.2f" % p["v_media"]]
-            self.assertTrue(any(l.split() == cells for l in lines), "fila del perfil %s" % cells)
+            # Then the depth, Froude number, specific energy and friction slope the report adds.
+            self.assertTrue(any(l.split()[:3] == cells[:3] and l.split()[4:6] == cells[3:] for l in lines),
+                            "fila del perfil %s" % cells)
         for s in reach["secciones"]:
             self.assertRegex(pdf, r"Yn %.2f m\s+Yc %.2f m" % (s["yn"], s["yc"]))
 

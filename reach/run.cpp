@@ -1,12 +1,14 @@
-#include "cli/reach.hpp"
+#include "reach/run.hpp"
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 
 #include "forms/format.hpp"
 #include "forms/val.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
+#include "hydraulics/profiles/profile.hpp"
 #include "hydraulics/standard_step/warnings.hpp"
 #include "screens/form3.hpp"
 #include "screens/natural_screen.hpp"
@@ -20,7 +22,7 @@
 #include "workbook/workbook.hpp"
 #endif
 
-namespace cauce::cli {
+namespace cauce::reach {
 
 namespace {
 
@@ -51,6 +53,25 @@ std::string TableMessage(const natural::State& st, int i) {
     } catch (const Fault&) {
     }
     return "";
+}
+
+// Depth, Froude number, specific energy and friction slope of section j at its profile depth, on a
+// copy of the state so that the screen's own band index and working depth are left as they were.
+void AddFlowValues(const natural::State& shown, int j, ProfileRow& row) {
+    try {
+        natural::State st = shown;
+        st.Y = st.Ysec(j);
+        if (!(st.Y > 0)) return;
+        const profiles::SectionValues v = profiles::EvaluateSection(st, j);
+        const double depth = Div(st.A(j), st.Tw(j));
+        const double froude = Div(v.V, Sqr(9.81 * depth));
+        row.y = forms::Format(st.Y, "0.000");
+        row.froude = forms::Format(froude, "0.00");
+        row.energy = forms::Format(v.E, "0.000");
+        row.sf = forms::FormatFixed(v.Sf, 6);
+    } catch (const Fault&) {
+        row.y = row.froude = row.energy = row.sf = "";
+    }
 }
 
 void Append(std::string& to, const std::string& what) {
@@ -147,6 +168,10 @@ const ReachKind* KindOfSheet(std::string_view sheet) {
     for (const auto& k : ReachKinds())
         if (Trim(k.sheet) == want) return &k;
     return nullptr;
+}
+
+forms::ControlName DepthBox(const ReachKind& kind) {
+    return BoxesOf(kind).depth;
 }
 
 std::string KindList() {
@@ -270,6 +295,7 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
             row.zw = screen->Get(b.water_level(j)).text;
             row.v = screen->Get(b.velocity(j)).text;
             if (res.scour) row.ysoc = screen->Get(b.scour(j)).text;
+            AddFlowValues(st, j, row);
             res.profile.push_back(row);
         }
     } catch (const Fault& f) {
@@ -290,4 +316,4 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
     return res;
 }
 
-}  // namespace cauce::cli
+}  // namespace cauce::reach

@@ -15,7 +15,7 @@
 #include "forms/screen.hpp"
 #include "hydraulics/standard_step/reach.hpp"
 
-namespace cauce::cli {
+namespace cauce::reach {
 
 // A profile screen and the sheet it binds: Form2 "Persecc", Form4 "Percanal", Form3 "secciones ".
 struct ReachKind {
@@ -30,12 +30,14 @@ struct ReachKind {
 const std::vector<ReachKind>& ReachKinds();
 // The kind whose sheet is named so, without regard to case or blanks at the ends; nullptr if none.
 const ReachKind* KindOfSheet(std::string_view sheet);
+// The box of the screen where the depth at the last section is typed.
+forms::ControlName DepthBox(const ReachKind& kind);
 // "Persecc (Form2), Percanal (Form4) o \"secciones \" (Form3)", for messages.
 std::string KindList();
 
 // One record's data as the screen showed them (the workbook's texts).
 struct SectionInput {
-    std::string secid, sections;                          // "SecId", "No# secciones"
+    std::string secid, sections;                              // "SecId", "No# secciones"
     std::vector<std::pair<std::string, std::string>> levels;  // (z, t) up to the first empty elevation
     std::string roughness, slope, discharge, flood_width, flood_roughness;
     std::string chainage;    // Form3's own "Abscisa"; "" on Form2 and Form4 (their table holds it)
@@ -47,8 +49,8 @@ struct SectionResult {
     int record = 0;   // 1-based row of the sheet
     int section = 0;  // the section number the screen computed (its state's i)
     SectionInput input;
-    std::string yn, yc;   // the result boxes, as shown ("0.00")
-    std::string qlleno;   // bank-full discharge, "0.00" as the uniform-flow screen shows it
+    std::string yn, yc;     // the result boxes, as shown ("0.00")
+    std::string qlleno;     // bank-full discharge, "0.00" as the uniform-flow screen shows it
     bool overflow = false;  // the discharge leaves the banks
     bool computed = false;  // results were written for this section
     std::string notice;     // the screen's messages about this section ("" when none)
@@ -63,6 +65,10 @@ struct ProfileRow {
     std::string type;      // "M1", "M2", "S1", "S2"
     std::string zw, v;     // as shown
     std::string ysoc;      // Form3 with a grain size only
+    // The section at its profile depth as the march evaluated it (the screen-wide n): depth, Froude
+    // number, specific energy and Manning's friction slope. Not shown by the screen; empty when the
+    // section cannot be evaluated there.
+    std::string y, froude, energy, sf;
 };
 
 struct ReachResult {
@@ -87,10 +93,10 @@ struct ReachResult {
 };
 
 struct ReachOptions {
-    std::string sheet;       // "" to take the first profile sheet the workbook has
-    std::string y_initial;   // text for Form2 and Form4
-    std::string y_final;     // text for Form3
-    bool save = false;       // save the table into the workbook as the binding does
+    std::string sheet;      // "" to take the first profile sheet the workbook has
+    std::string y_initial;  // text for Form2 and Form4
+    std::string y_final;    // text for Form3
+    bool save = false;      // save the table into the workbook as the binding does
 };
 
 // Called after "(Y?)" of each record, with the screen as it stands then (the desktop would show
@@ -99,7 +105,8 @@ using SectionObserver = std::function<void(const forms::Screen& screen, const Se
 
 // Runs the reach of one workbook. Never throws for bad data or a workbook that cannot be read: the
 // result's error says what stopped it. Needs the workbook opener installed (InstallWorkbooks).
-ReachResult RunReach(const std::string& path, const ReachOptions& options, const SectionObserver& observer = {});
+ReachResult RunReach(const std::string& path, const ReachOptions& options,
+                     const SectionObserver& observer = {});
 
 // After "Perfiles" (the observer's call with no section): the standard-step profile of the reach the
 // screen holds, for the depth the options give its screen, and the warnings about the screen's own
@@ -110,4 +117,4 @@ void AddStandard(const forms::Screen& screen, const ReachOptions& reach, const s
 // The profile sheet a workbook holds first (Persecc, Percanal, "secciones "), or "" with a reason.
 std::string DefaultSheet(const std::string& path, std::string& why);
 
-}  // namespace cauce::cli
+}  // namespace cauce::reach

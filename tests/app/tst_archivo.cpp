@@ -1,0 +1,190 @@
+// The Archivo menu around the screens, on real workbooks in a temporary folder: a new workbook that
+// every screen opens without a missing column, records added, deleted and renumbered, the report of
+// a reach and of a case on screen, a table exported as CSV.
+#include <QFile>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QToolButton>
+#include <QtTest>
+
+#include "app/desktop.hpp"
+#include "app/file_actions.hpp"
+#include "app/help_actions.hpp"
+#include "app/navigator.hpp"
+#include "app/screen_view.hpp"
+#include "app/screen_window.hpp"
+#include "reach/run.hpp"
+#include "screens/profile_screen.hpp"
+#include "screens/registry.hpp"
+#include "support.hpp"
+#include "workbook/install.hpp"
+#include "workbook/properties.hpp"
+
+using namespace cauce;
+using namespace cauce::apptest;
+namespace profile = cauce::screens::profile;
+
+namespace {
+
+// The entries of a menu of the window's bar, without their accelerator marks.
+QStringList Entries(QMainWindow* w, const QString& menu) {
+    QStringList out;
+    for (QAction* m : w->menuBar()->actions())
+        if (m->text().remove('&') == menu)
+            for (QAction* a : m->menu()->actions()) out << a->text().remove('&');
+    return out;
+}
+
+QByteArray Read(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+}  // namespace
+
+class Archivo : public QObject {
+    Q_OBJECT
+  private slots:
+    void initTestCase() {
+        QStandardPaths::setTestModeEnabled(true);
+        workbook::Install();
+    }
+
+    // A new workbook opens in every screen with one record and no missing column; it is never
+    // written over an existing file.
+    void newWorkbookOpensInEveryScreen() {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("tramo.xlsx"));
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        const QStringList file = Entries(w, QStringLiteral("Archivo"));
+        for (const char* entry : {"Nuevo libro...", "Recientes", "Registros", "Datos del proyecto...",
+                                  "Informe...", "Imprimir...", "Exportar tabla..."})
+            QVERIFY2(file.contains(QString::fromUtf8(entry)), entry);
+        QCOMPARE(Entries(w, QStringLiteral("Ayuda")),
+                 QStringList({QStringLiteral("Guía de uso"), QStringLiteral("Acerca de Cauce")}));
+        QVERIFY(w->Files()->NewWorkbook(path));
+        QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 1"));
+        QVERIFY(app::FileActions::Recent().contains(QFileInfo(path).absoluteFilePath()));
+        for (const auto name : screens::ScreenNames()) {
+            auto screen = screens::MakeScreen(name);
+            if (!screen->HasData()) continue;
+            screen->OpenWorkbook(path.toStdString());
+            QVERIFY2(screen->Notice().empty(), screen->Notice().c_str());
+            QCOMPARE(screen->RecordCount(), 1);
+        }
+        const QByteArray before = Read(path);
+        QVERIFY(!w->Files()->NewWorkbook(path));
+        QCOMPARE(prompter.faults.size(), 1);
+        QVERIFY(prompter.faults.front().contains(QStringLiteral("ya existe")));
+        QCOMPARE(Read(path), before);
+        QVERIFY(desktop.Exit());
+    }
+
+    // Adding copies the reach-wide values and numbers the new section; deleting asks first;
+    // renumbering puts each record's order and the count in every record.
+    void recordsAddDeleteRenumber() {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("tramo.xlsx"));
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        QVERIFY(w->Files()->NewWorkbook(path));
+        app::ScreenView* view = w->View();
+        app::Navigator* nav = view->DataNavigator();
+        QVERIFY(!nav->Delete()->isEnabled());
+        Type(view, profile::box::Discharge, "38");      // discharge: the same along the reach
+        Type(view, profile::box::Roughness, "0.035");   // roughness: the section's own
+        Type(view, profile::LevelElevation(1), "120");  // a pending edit, saved before the record is added
+        QTest::mouseClick(nav->Add(), Qt::LeftButton);
+        QCOMPARE(nav->Position(), QStringLiteral("Registro 2 de 2"));
+        QCOMPARE(view->Box(profile::box::Discharge)->text(), QStringLiteral("38"));
+        QCOMPARE(view->Box(profile::box::SectionNumber)->text(), QStringLiteral("2"));
+        QCOMPARE(view->Box(profile::box::Roughness)->text(), QString());
+        QCOMPARE(view->Box(profile::LevelElevation(1))->text(), QString());
+        QVERIFY(w->Files()->AddRecord());
+        QVERIFY(w->Files()->Renumber());
+        QCOMPARE(nav->Position(), QStringLiteral("Registro 3 de 3"));
+        QCOMPARE(view->Box(profile::box::SectionCount)->text(), QStringLiteral("3"));
+        QTest::mouseClick(nav->First(), Qt::LeftButton);
+        QCOMPARE(view->Box(profile::LevelElevation(1))->text(), QStringLiteral("120"));
+        QCOMPARE(view->Box(profile::box::SectionCount)->text(), QStringLiteral("3"));
+
+        prompter.answer = false;
+        QVERIFY(!w->Files()->DeleteRecord());
+        QCOMPARE(prompter.questions.size(), 1);
+        QCOMPARE(w->Model().RecordCount(), 3);
+        prompter.answer = true;
+        QVERIFY(w->Files()->DeleteRecord());
+        QCOMPARE(w->Model().RecordCount(), 2);
+        QCOMPARE(view->Box(profile::box::SectionNumber)->text(),
+                 QStringLiteral("2"));  // the record that followed
+        QVERIFY(prompter.faults.isEmpty());
+        QVERIFY(desktop.Exit());
+    }
+
+    // The report of a reach needs the depth typed; with it, a PDF whose project data come from the
+    // workbook. Form1 gets the one-page report of its case.
+    void reportOfReachAndOfCase() {
+        QTemporaryDir dir;
+        const QString book = dir.filePath(QStringLiteral("Rios.xlsx"));
+        QVERIFY(QFile::copy(QStringLiteral(CAUCE_EXAMPLES_DIR "/Rios.xlsx"), book));
+        RecordingPrompter prompter;
+        app::Desktop desktop(
+            prompter, [&](std::string_view s) { return s == "Form2" ? book.toStdString() : std::string(); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        const QString pdf = dir.filePath(QStringLiteral("informe.pdf"));
+        QVERIFY(!w->Files()->WriteReport(pdf));
+        QVERIFY(prompter.faults.back().contains(QStringLiteral("tirante")));
+        QVERIFY(!QFile::exists(pdf));
+
+        QVERIFY(w->Files()->SetProject({"Presa Norte", "", "Ana Pérez", ""}));
+        QCOMPARE(workbook::ReadCustomProperties(book.toStdString()).at("Proyecto"),
+                 std::string("Presa Norte"));
+        Type(w->View(), profile::box::StartDepth, "1.8");
+        QVERIFY(w->Files()->WriteReport(pdf));
+        QVERIFY(Read(pdf).startsWith("%PDF"));
+
+        app::ScreenWindow* f1 = desktop.Open("Form1");
+        const QString one = dir.filePath(QStringLiteral("canal.pdf"));
+        QVERIFY(f1->Files()->WriteReport(one));
+        QVERIFY(Read(one).startsWith("%PDF"));
+        QCOMPARE(prompter.faults.size(), 1);
+        QVERIFY(!app::GuideText().isEmpty() && app::GuideText().contains(QStringLiteral("Abscisa9")));
+        QVERIFY(desktop.Exit());
+    }
+
+    // The level table as CSV: ";" with decimal commas, or "," with points; empty rows are left out.
+    void exportLevelTable() {
+        QTemporaryDir dir;
+        const QString book = dir.filePath(QStringLiteral("Rios.xlsx"));
+        QVERIFY(QFile::copy(QStringLiteral(CAUCE_EXAMPLES_DIR "/Rios.xlsx"), book));
+        RecordingPrompter prompter;
+        app::Desktop desktop(prompter, [&](std::string_view) { return book.toStdString(); });
+        app::ScreenWindow* w = desktop.Open("Form2");
+        const QStringList names = w->Files()->TableNames();
+        QVERIFY(names.contains(QStringLiteral("Tabla de niveles")));
+        QVERIFY(names.contains(QStringLiteral("Tabla del perfil")));
+        const int levels = static_cast<int>(names.indexOf(QStringLiteral("Tabla de niveles")));
+        const QString semicolon = dir.filePath(QStringLiteral("niveles.csv"));
+        const QString comma = dir.filePath(QStringLiteral("niveles-punto.csv"));
+        QVERIFY(w->Files()->ExportTable(semicolon, levels, ';'));
+        QVERIFY(w->Files()->ExportTable(comma, levels, ','));
+        const QList<QByteArray> a = Read(semicolon).split('\n');
+        const QList<QByteArray> b = Read(comma).split('\n');
+        // Header, the six levels of section 1, and the empty line after the last line break.
+        QCOMPARE(a.size(), 8);
+        QCOMPARE(a[1].trimmed(), QByteArray("120;6,5"));
+        QCOMPARE(b[2].trimmed(), QByteArray("120.4,10.5"));
+        QVERIFY(!w->Files()->ExportTable(dir.filePath(QStringLiteral("no/existe.csv")), levels, ';'));
+        QVERIFY(desktop.Exit());
+    }
+};
+
+QTEST_MAIN(Archivo)
+#include "tst_archivo.moc"
