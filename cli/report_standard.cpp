@@ -7,6 +7,8 @@
 
 namespace cauce::cli {
 
+using namespace reach;
+
 namespace {
 
 std::string Fixed(double v, int decimals) {

@@ -8,6 +8,8 @@
 
 namespace cauce::cli {
 
+using namespace reach;
+
 namespace {
 
 using StandardSectionResult = standard_step::SectionResult;
