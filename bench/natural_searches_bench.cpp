@@ -36,8 +36,12 @@ void NormalDepth(benchmark::State& state, bool literal) {
     }
     state.SetLabel("Yn " + std::to_string(st.Yn(1)));
 }
-void BM_TiranteNormal5m_Literal(benchmark::State& s) { NormalDepth(s, true); }
-void BM_TiranteNormal5m_Rapido(benchmark::State& s) { NormalDepth(s, false); }
+void BM_TiranteNormal5m_Literal(benchmark::State& s) {
+    NormalDepth(s, true);
+}
+void BM_TiranteNormal5m_Rapido(benchmark::State& s) {
+    NormalDepth(s, false);
+}
 
 // Newton on Q(y) = q for the same band, from half the band's height, to the march's resolution.
 void BM_TiranteNormal5m_Newton(benchmark::State& state) {
@@ -68,8 +72,12 @@ void Critical(benchmark::State& state, bool literal) {
     }
     state.SetLabel("Yc " + std::to_string(st.Yc(1)));
 }
-void BM_Critica_Literal(benchmark::State& s) { Critical(s, true); }
-void BM_Critica_Rapido(benchmark::State& s) { Critical(s, false); }
+void BM_Critica_Literal(benchmark::State& s) {
+    Critical(s, true);
+}
+void BM_Critica_Rapido(benchmark::State& s) {
+    Critical(s, false);
+}
 
 void BM_Critica_Newton(benchmark::State& state) {
     const double q = Rectangle(false).Q(1), b = 4;
@@ -109,8 +117,12 @@ void Overflow(benchmark::State& state, bool literal) {
     }
     state.SetLabel("Yn " + std::to_string(st.Yn(1)) + " Yc " + std::to_string(st.Yc(1)));
 }
-void BM_Desborde_Literal(benchmark::State& s) { Overflow(s, true); }
-void BM_Desborde_Rapido(benchmark::State& s) { Overflow(s, false); }
+void BM_Desborde_Literal(benchmark::State& s) {
+    Overflow(s, true);
+}
+void BM_Desborde_Rapido(benchmark::State& s) {
+    Overflow(s, false);
+}
 
 BENCHMARK(BM_TiranteNormal5m_Literal)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_TiranteNormal5m_Rapido)->Unit(benchmark::kMicrosecond);

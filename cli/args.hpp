@@ -17,7 +17,7 @@ inline constexpr int kExitUsage = 2;
 
 // A mistake on the command line, with its Spanish message; the command ends with kExitUsage.
 class UsageError : public std::runtime_error {
-public:
+  public:
     using std::runtime_error::runtime_error;
 };
 

@@ -29,7 +29,9 @@ nlohmann::ordered_json Value(const std::string& text) {
 // nothing at all with 0).
 std::pair<Given, std::string> GivenValue(const Options& o) {
     if (o.discharge.empty() == o.depth.empty())
-        throw UsageError("dé --caudal (para calcular el tirante normal) o --tirante (para calcular el caudal), uno de los dos");
+        throw UsageError(
+            "dé --caudal (para calcular el tirante normal) o --tirante (para calcular el caudal), uno de los "
+            "dos");
     if (!o.discharge.empty()) {
         NumberOption("--caudal", o.discharge, Sign::Positive);
         return {Given::Discharge, o.discharge};
@@ -64,7 +66,8 @@ void CheckConduit(const ConduitInput& c) {
 namespace {
 
 void PrintText(const Shown& s, Given given) {
-    std::cout << "Sección: " << s.section << "   (Form1, \"" << (given == Given::Discharge ? "Yn?" : "Q ?") << "\")\n";
+    std::cout << "Sección: " << s.section << "   (Form1, \"" << (given == Given::Discharge ? "Yn?" : "Q ?")
+              << "\")\n";
     std::cout << "\nDatos\n";
     TextTable data({"", "Valor"});
     for (const auto& r : s.data)
@@ -145,7 +148,8 @@ int RunConduitCommand(const Options& o) {
 }
 
 void GivenOptions(CLI::App* app, Options& o) {
-    app->add_option("--caudal", o.discharge, "Caudal Q (m3/s): calcula la profundidad normal (\"Yn?\")")->type_name("Q");
+    app->add_option("--caudal", o.discharge, "Caudal Q (m3/s): calcula la profundidad normal (\"Yn?\")")
+        ->type_name("Q");
     app->add_option("--tirante", o.depth, "Profundidad Yn (m): calcula el caudal (\"Q ?\")")->type_name("Y");
     app->add_option("--formato", o.format, "Salida: texto (por omisión) o json")->type_name("FORMATO");
 }
@@ -155,10 +159,12 @@ void GivenOptions(CLI::App* app, Options& o) {
 // Options of a prismatic channel, shared with "cauce curva".
 void ChannelOptions(CLI::App* app, ChannelInput& c) {
     app->add_option("--base", c.b, "Base b (m); 0 para un triángulo")->type_name("B");
-    app->add_option("--talud", c.z, "Talud z (horizontal por 1 vertical); 0 para un rectángulo")->type_name("Z");
+    app->add_option("--talud", c.z, "Talud z (horizontal por 1 vertical); 0 para un rectángulo")
+        ->type_name("Z");
     app->add_option("--rugosidad", c.n, "Rugosidad n de Manning del canal")->type_name("N");
     app->add_option("--pendiente", c.S, "Pendiente S del fondo (m/m)")->type_name("S");
-    app->add_option("--altura", c.h, "Altura del canal (m), opcional: sin ella no hay límite")->type_name("H");
+    app->add_option("--altura", c.h, "Altura del canal (m), opcional: sin ella no hay límite")
+        ->type_name("H");
     app->add_option("--ancho-zona", c.Bz, "Ancho de la zona inundable (m), contado el canal")->type_name("B");
     app->add_option("--rugosidad-zona", c.nz, "Rugosidad n de la zona inundable")->type_name("N");
 }
@@ -173,7 +179,8 @@ void ConduitOptions(CLI::App* app, ConduitInput& c, bool with_common) {
 
 Command AddCanal(CLI::App& parent) {
     static Options o;
-    CLI::App* app = parent.add_subcommand("canal", "Flujo uniforme en un canal trapezoidal, rectangular o triangular (Form1)");
+    CLI::App* app = parent.add_subcommand(
+        "canal", "Flujo uniforme en un canal trapezoidal, rectangular o triangular (Form1)");
     ChannelOptions(app, o.channel);
     GivenOptions(app, o);
     app->footer(
@@ -191,7 +198,8 @@ Command AddCanal(CLI::App& parent) {
 
 Command AddTubo(CLI::App& parent) {
     static Options o;
-    CLI::App* app = parent.add_subcommand("tubo", "Flujo uniforme en un conducto circular parcialmente lleno (Form1)");
+    CLI::App* app =
+        parent.add_subcommand("tubo", "Flujo uniforme en un conducto circular parcialmente lleno (Form1)");
     ConduitOptions(app, o.conduit, true);
     GivenOptions(app, o);
     app->footer(

@@ -9,12 +9,12 @@
 #include "cli/command.hpp"
 #include "cli/graphics.hpp"
 #include "cli/progress.hpp"
-#include "reach/run.hpp"
 #include "cli/text_table.hpp"
 #include "cli/uniform.hpp"
 #include "forms/binding.hpp"
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
+#include "reach/run.hpp"
 #include "screens/form1.hpp"
 #include "screens/form5.hpp"
 

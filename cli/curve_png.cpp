@@ -20,18 +20,25 @@ namespace {
 
 constexpr int kWidth = 1000, kHeight = 680;
 
-QString Q(const std::string& s) { return QString::fromStdString(s); }
+QString Q(const std::string& s) {
+    return QString::fromStdString(s);
+}
 
 }  // namespace
 
-bool CanDraw() { return true; }
+bool CanDraw() {
+    return true;
+}
 
-std::string CannotDraw() { return ""; }
+std::string CannotDraw() {
+    return "";
+}
 
 std::string WriteCurvePng(const CurvePlot& plot, const std::string& path) {
     const auto application = StartOffscreen();
     auto* chart = new QChart;
-    chart->setTitle(QStringLiteral("<b>%1</b><br>%2").arg(Q(plot.title).toHtmlEscaped(), Q(plot.subtitle).toHtmlEscaped()));
+    chart->setTitle(QStringLiteral("<b>%1</b><br>%2")
+                        .arg(Q(plot.title).toHtmlEscaped(), Q(plot.subtitle).toHtmlEscaped()));
     chart->legend()->setAlignment(Qt::AlignBottom);
 
     auto* curve = new QLineSeries;

@@ -164,8 +164,10 @@ nlohmann::ordered_json ToJson(const ReachResult& r, const Methods& m) {
     auto profile = nlohmann::ordered_json::array();
     for (const auto& p : r.profile) {
         if (!m.legacy) break;
-        nlohmann::ordered_json row{{"seccion", p.section},       {"abscisa", NumberOrNull(p.chainage)},
-                                   {"tipo", TextOrNull(p.type)}, {"z_agua", NumberOrNull(p.zw)},
+        nlohmann::ordered_json row{{"seccion", p.section},
+                                   {"abscisa", NumberOrNull(p.chainage)},
+                                   {"tipo", TextOrNull(p.type)},
+                                   {"z_agua", NumberOrNull(p.zw)},
                                    {"v_media", NumberOrNull(p.v)}};
         if (r.scour) row["ysoc"] = NumberOrNull(p.ysoc);
         profile.push_back(row);
@@ -190,8 +192,9 @@ Methods ParseMethods(const Options& o) {
         throw UsageError("--metodo: \"" + o.method + "\" no es legado, estandar ni ambos");
     }
     if (!m.standard && (!o.contraction.empty() || !o.expansion.empty() || !o.y_upstream.empty()))
-        throw UsageError("--contraccion, --expansion y --y-aguas-arriba son del perfil por paso estándar: "
-                         "use --metodo estandar o ambos");
+        throw UsageError(
+            "--contraccion, --expansion y --y-aguas-arriba son del perfil por paso estándar: "
+            "use --metodo estandar o ambos");
     return m;
 }
 
@@ -209,7 +212,8 @@ int Run(const Options& o) {
 
     ReachOptions ro{o.sheet, o.y_initial, o.y_final, o.save};
     standard_step::Options so;
-    if (!o.contraction.empty()) so.contraction = NumberOption("--contraccion", o.contraction, Sign::NonNegative);
+    if (!o.contraction.empty())
+        so.contraction = NumberOption("--contraccion", o.contraction, Sign::NonNegative);
     if (!o.expansion.empty()) so.expansion = NumberOption("--expansion", o.expansion, Sign::NonNegative);
     std::optional<double> y_up;
     if (!o.y_upstream.empty()) y_up = NumberOption("--y-aguas-arriba", o.y_upstream, Sign::Positive);
@@ -239,7 +243,8 @@ int Run(const Options& o) {
             progress.Clear();
             if (!r.Ok()) std::cerr << "cauce perfil: " << o.books[b] << ": " << r.error << "\n";
             if (r.standard && !r.standard->Ok())
-                std::cerr << "cauce perfil: " << o.books[b] << ": paso estándar: " << r.standard->error << "\n";
+                std::cerr << "cauce perfil: " << o.books[b] << ": paso estándar: " << r.standard->error
+                          << "\n";
             for (const auto& s : r.sections)
                 if (Faulty(s))
                     std::cerr << "cauce perfil: " << o.books[b] << ": registro " << s.record << " (sección "
@@ -283,17 +288,21 @@ Command AddPerfil(CLI::App& parent) {
         ->type_name("Y");
     app->add_flag("--guardar", o.save,
                   "Guarda la tabla del perfil en el registro de la última sección, como la pantalla");
-    app->add_option("--metodo", o.method,
-                    "Perfil: legado (el de la pantalla, por omisión), estandar (paso estándar en régimen mixto) "
-                    "o ambos")
+    app->add_option(
+           "--metodo", o.method,
+           "Perfil: legado (el de la pantalla, por omisión), estandar (paso estándar en régimen mixto) "
+           "o ambos")
         ->type_name("METODO");
-    app->add_option("--contraccion", o.contraction, "Coeficiente de pérdida por contracción del paso estándar (0.1)")
+    app->add_option("--contraccion", o.contraction,
+                    "Coeficiente de pérdida por contracción del paso estándar (0.1)")
         ->type_name("C");
-    app->add_option("--expansion", o.expansion, "Coeficiente de pérdida por expansión del paso estándar (0.3)")
+    app->add_option("--expansion", o.expansion,
+                    "Coeficiente de pérdida por expansión del paso estándar (0.3)")
         ->type_name("E");
-    app->add_option("--y-aguas-arriba", o.y_upstream,
-                    "Tirante supercrítico en la primera sección (m) para el paso estándar; sin él, el crítico si "
-                    "el flujo entra en pendiente fuerte")
+    app->add_option(
+           "--y-aguas-arriba", o.y_upstream,
+           "Tirante supercrítico en la primera sección (m) para el paso estándar; sin él, el crítico si "
+           "el flujo entra en pendiente fuerte")
         ->type_name("Y");
     app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
     app->add_option("--separador", o.separator,

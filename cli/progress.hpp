@@ -10,7 +10,7 @@
 namespace cauce::cli {
 
 class Progress {
-public:
+  public:
     // what: the command's name; total: the number of steps of the run.
     Progress(std::string what, int total);
     ~Progress();
@@ -22,7 +22,7 @@ public:
     // Clears the line (before a message is printed on standard error, and at the end).
     void Clear();
 
-private:
+  private:
     std::string what_;
     int total_;
     bool active_;

@@ -45,7 +45,7 @@ std::string SpanishParseError(const CLI::App* app, const CLI::Error& e) {
     if (name == "ExtrasError" || what.find(" not expected: ") != std::string::npos) {
         const std::string extras = After(what, "expected: ");
         message = (what.find("arguments were") != std::string::npos ? "Argumentos no reconocidos: "
-                                                                      : "Argumento no reconocido: ") +
+                                                                    : "Argumento no reconocido: ") +
                   extras;
     } else if (name == "RequiredError" || EndsWith(what, " is required")) {
         if (what.find("subcommand") != std::string::npos) {
@@ -58,10 +58,12 @@ std::string SpanishParseError(const CLI::App* app, const CLI::Error& e) {
     } else if (name == "ArgumentMismatch" || what.find(" required ") != std::string::npos ||
                what.find(" arguments to ") != std::string::npos) {
         std::string option = Before(what, ":");
-        if (what.find(" arguments to ") != std::string::npos) option = Before(After(what, " arguments to "), ",");
+        if (what.find(" arguments to ") != std::string::npos)
+            option = Before(After(what, " arguments to "), ",");
         message = "A " + option + " le falta su valor (o sobran valores).";
     } else if (what.find(" excludes ") != std::string::npos) {
-        message = Before(what, " excludes ") + " no se puede usar junto con " + After(what, " excludes ") + ".";
+        message =
+            Before(what, " excludes ") + " no se puede usar junto con " + After(what, " excludes ") + ".";
     } else if (what.find(" requires ") != std::string::npos) {
         message = Before(what, " requires ") + " necesita también " + After(what, " requires ") + ".";
     } else if (name == "ConversionError" || name == "ValidationError") {

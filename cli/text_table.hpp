@@ -9,12 +9,12 @@
 namespace cauce::cli {
 
 class TextTable {
-public:
+  public:
     explicit TextTable(std::vector<std::string> headings);
     void Row(std::vector<std::string> cells);
     void Print(std::ostream& out, const std::string& indent = "  ") const;
 
-private:
+  private:
     std::vector<std::string> headings_;
     std::vector<std::vector<std::string>> rows_;
 };

@@ -34,13 +34,13 @@ struct ShownRow {
     std::vector<std::string> values;
 };
 struct Shown {
-    std::string section;                // the type button's caption: "TRAPEZOIDAL", "CIRCULAR", ...
-    std::vector<std::string> columns;   // column headings when the flood zone flows, else empty
-    std::vector<ShownRow> data;         // the data boxes as they stand after the click
-    std::vector<ShownRow> results;      // rows with something written
-    std::string message;                // Label21
-    std::string error;                  // the fault of the click
-    bool answered = false;              // the unknown asked for has a value
+    std::string section;               // the type button's caption: "TRAPEZOIDAL", "CIRCULAR", ...
+    std::vector<std::string> columns;  // column headings when the flood zone flows, else empty
+    std::vector<ShownRow> data;        // the data boxes as they stand after the click
+    std::vector<ShownRow> results;     // rows with something written
+    std::string message;               // Label21
+    std::string error;                 // the fault of the click
+    bool answered = false;             // the unknown asked for has a value
 };
 Shown ShownOnForm1(const forms::Screen& screen, bool conduit, Given given);
 

@@ -144,11 +144,13 @@ void Screen::Fill() {
     if (!source_) return;
     filling_ = true;
     filled_.clear();
+    base_.clear();
     not_edits_.clear();
     for (auto& c : controls_) {
         if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;
         c.text = record_ >= 1 ? source_->Get(record_, c.column) : "";  // a sheet without records shows none
         filled_[c.name] = c.text;
+        base_[c.name] = c.text;
     }
     filling_ = false;
     dirty_ = false;
@@ -175,6 +177,7 @@ bool Screen::Resync() {
             changed = true;
         }
         if (c.text == now) it->second = now;
+        base_[c.name] = now;
     }
     filling_ = false;
     dirty_ = false;
@@ -236,8 +239,12 @@ void Screen::WriteRecord() {
         if (c.kind != Kind::TextBox || c.column.empty() || !source_->HasColumn(c.column)) continue;
         const auto it = filled_.find(c.name);
         if (it == filled_.end() || it->second == c.text) continue;
+        // The cell as this screen last read it: a box a layout reset cleared (NotAnEdit) still has
+        // the file's value as its base.
+        const auto base = base_.find(c.name);
+        const std::string& read = base == base_.end() ? it->second : base->second;
         const std::string now = source_->Get(record_, c.column);
-        if (now != it->second && now != c.text)
+        if (now != read && now != c.text)
             clashes += std::string(clashes.empty() ? "" : "; ") + "columna \"" + c.column +
                        "\": otra ventana guardó " + (now.empty() ? "vacía" : now) +
                        " y en esta se escribió " + (c.text.empty() ? "vacía" : c.text);
@@ -269,6 +276,7 @@ std::string Screen::SavePending() {
         text = c.text;
         if (not_edits_.count(box) || record_ > source_->RecordCount()) continue;
         const std::string now = source_->Get(record_, c.column);
+        base_[box] = now;
         if (now != before[box]) c.text = text = now;
     }
     version_ = source_->Version();

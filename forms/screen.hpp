@@ -114,6 +114,8 @@ class Screen {
     // Text of each bound box as the current record filled it: only boxes changed since are written
     // back, so that of two boxes bound to one column ("Abscisa9") the one edited wins.
     std::map<std::string, std::string, std::less<>> filled_;
+    // Text of each bound box as last read from the record: the base a save compares the file with.
+    std::map<std::string, std::string, std::less<>> base_;
     std::set<std::string, std::less<>> not_edits_;  // boxes NotAnEdit marked since the record was shown
     std::uint64_t version_ = 0;                     // the source's Version when the boxes were filled
 };

@@ -13,7 +13,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::istringstream in(std::string(reinterpret_cast<const char*>(data), size));
     std::ostringstream out, err;
-    const int status = cauce::forms::RunScript(in, out, err, [](std::string_view n) { return cauce::screens::MakeScreen(n); });
+    const int status = cauce::forms::RunScript(
+        in, out, err, [](std::string_view n) { return cauce::screens::MakeScreen(n); });
     if (status != 0 && status != 1 && status != 2) cauce::fuzz::Fail("status " + std::to_string(status));
     std::istringstream lines(out.str());
     for (std::string line; std::getline(lines, line);) {

@@ -13,9 +13,9 @@ void Accumulation::Extend() {
     double r = 0;
     if (x != 0 && std::isfinite(x)) {
         int e;
-        std::frexp(x, &e);                         // |x| in [2^(e-1), 2^e)
-        const double u = std::ldexp(1.0, e - 53);  // spacing of doubles in that binade
-        const double q = step_ / u;                // exact: a power-of-two scaling
+        std::frexp(x, &e);                                   // |x| in [2^(e-1), 2^e)
+        const double u = std::ldexp(1.0, e - 53);            // spacing of doubles in that binade
+        const double q = step_ / u;                          // exact: a power-of-two scaling
         if (std::isfinite(q) && q - std::floor(q) != 0.5) {  // an exact tie rounds to even: one by one
             r = std::nearbyint(q) * u;
             if (r == 0) {
@@ -42,11 +42,14 @@ void Accumulation::Extend() {
 
 double Accumulation::At(std::int64_t j) {
     while (next_ <= j && !still_) Extend();
-    const auto it = std::upper_bound(runs_.begin(), runs_.end(), j, [](std::int64_t v, const Run& run) { return v < run.first; });
+    const auto it = std::upper_bound(runs_.begin(), runs_.end(), j,
+                                     [](std::int64_t v, const Run& run) { return v < run.first; });
     const Run& run = *(it - 1);
     return run.r == 0 ? run.x : run.x + static_cast<double>(j - run.first) * run.r;
 }
 
-double Accumulate(double x, double c, std::int64_t j) { return Accumulation(x, c).At(j); }
+double Accumulate(double x, double c, std::int64_t j) {
+    return Accumulation(x, c).At(j);
+}
 
 }  // namespace cauce

@@ -16,12 +16,12 @@ namespace cauce {
 // exact arithmetic progressions (built lazily, one or a few per binade); near binade edges and at
 // the rare exact ties the additions are done one by one, as the march does them.
 class Accumulation {
-public:
+  public:
     Accumulation(double start, double step);
     // The value after j additions (j >= 0).
     double At(std::int64_t j);
 
-private:
+  private:
     struct Run {
         std::int64_t first;  // index of the first value of the run
         double x;            // that value
@@ -40,7 +40,7 @@ private:
 // from scratch costs more than a search (a conduit's march from 1 mm crosses ten binades), and
 // successive searches often start alike (from 1 mm, from half a conduit, a rating curve).
 class AccumulationCache {
-public:
+  public:
     explicit AccumulationCache(double step) : step_(step) {}
     Accumulation& From(double start) {
         if (!acc_ || std::bit_cast<std::uint64_t>(start) != std::bit_cast<std::uint64_t>(start_)) {
@@ -50,7 +50,7 @@ public:
         return *acc_;
     }
 
-private:
+  private:
     double step_;
     double start_ = 0;
     std::optional<Accumulation> acc_;

@@ -14,7 +14,7 @@
 namespace cauce {
 
 class Fault : public std::runtime_error {
-public:
+  public:
     using std::runtime_error::runtime_error;
 };
 
@@ -22,11 +22,14 @@ namespace msg {
 inline constexpr const char* kDivisionPorCero = "División por cero";
 inline constexpr const char* kIndeterminado = "Desbordamiento: división de cero entre cero";
 inline constexpr const char* kRaizNegativa = "Raíz cuadrada de un número negativo";
-inline constexpr const char* kPotencia = "Potencia que no es un número real (base negativa o cero con exponente negativo)";
+inline constexpr const char* kPotencia =
+    "Potencia que no es un número real (base negativa o cero con exponente negativo)";
 inline constexpr const char* kDesbordamiento = "Desbordamiento: el resultado es demasiado grande";
 }  // namespace msg
 
-[[noreturn]] inline void raise(const std::string& message) { throw Fault(message); }
+[[noreturn]] inline void raise(const std::string& message) {
+    throw Fault(message);
+}
 
 // A value that is no longer a finite number is an overflow of the legacy run time.
 inline double Finite(double x) {
@@ -55,13 +58,13 @@ inline double Pow(double a, double b) {
 // Every march counts its steps against a budget far beyond any real channel; running out of it is
 // a fault that names the march instead of the legacy hang.
 class StepBudget {
-public:
+  public:
     StepBudget(std::int64_t limit, const char* what) : left_(limit), what_(what) {}
     void step() {
         if (--left_ < 0) raise(what_);
     }
 
-private:
+  private:
     std::int64_t left_;
     const char* what_;
 };

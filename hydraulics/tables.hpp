@@ -19,7 +19,7 @@ inline constexpr int kMaxLevel = 20;
 
 template <typename T>
 class Arr1 {
-public:
+  public:
     T& operator()(int i) {
         if (i < 0 || i > kMaxSection) SubscriptFault(i, kMaxSection);
         return v_[static_cast<std::size_t>(i)];
@@ -27,12 +27,12 @@ public:
     const T& operator()(int i) const { return const_cast<Arr1&>(*this)(i); }
     void fill(const T& x) { v_.fill(x); }
 
-private:
+  private:
     std::array<T, kMaxSection + 1> v_{};
 };
 
 class Arr2 {
-public:
+  public:
     double& operator()(int i, int j) {
         if (i < 0 || i > kMaxSection) SubscriptFault(i, kMaxSection);
         if (j < 0 || j > kMaxLevel) SubscriptFault(j, kMaxLevel);
@@ -40,7 +40,7 @@ public:
     }
     double operator()(int i, int j) const { return const_cast<Arr2&>(*this)(i, j); }
 
-private:
+  private:
     std::array<std::array<double, kMaxLevel + 1>, kMaxSection + 1> v_{};
 };
 

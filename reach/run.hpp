@@ -111,8 +111,8 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options,
 // After "Perfiles" (the observer's call with no section): the standard-step profile of the reach the
 // screen holds, for the depth the options give its screen, and the warnings about the screen's own
 // profile, into res.
-void AddStandard(const forms::Screen& screen, const ReachOptions& reach, const standard_step::Options& options,
-                 std::optional<double> y_upstream, ReachResult& res);
+void AddStandard(const forms::Screen& screen, const ReachOptions& reach,
+                 const standard_step::Options& options, std::optional<double> y_upstream, ReachResult& res);
 
 // The profile sheet a workbook holds first (Persecc, Percanal, "secciones "), or "" with a reason.
 std::string DefaultSheet(const std::string& path, std::string& why);

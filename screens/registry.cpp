@@ -13,11 +13,8 @@ struct Entry {
     std::unique_ptr<forms::Screen> (*make)();
 };
 const Entry kScreens[] = {
-    {"Form1", MakeForm1},
-    {"Form2", MakeForm2},
-    {"Form3", MakeForm3},
-    {"Form4", MakeForm4},
-    {"Form5", MakeForm5},
+    {"Form1", MakeForm1}, {"Form2", MakeForm2}, {"Form3", MakeForm3},
+    {"Form4", MakeForm4}, {"Form5", MakeForm5},
 };
 }  // namespace
 

@@ -6,6 +6,8 @@
 
 namespace cauce::natural {
 
-inline double Froude(double v, double a, double t) { return Div(v, Sqr(Div(9.81 * a, t))); }
+inline double Froude(double v, double a, double t) {
+    return Div(v, Sqr(Div(9.81 * a, t)));
+}
 
 }  // namespace cauce::natural

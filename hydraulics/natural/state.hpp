@@ -43,13 +43,13 @@ struct State {
 
     // Form-level scalars.
     int N = 0;
-    int i = 0;       // current section of "(Y?)"
-    double n = 0;    // Manning roughness, one per screen
-    double Y = 0;    // working depth at which Area evaluates the current section
-    double P = 0;    // wetted perimeter left by Area and the marches
-    double h = 0;    // step of the in-bank normal-depth march
-    int k = 0;       // band index shared by Area, the normal-depth march and Critica; never reset
-    double Qc = 0;   // discharge handed to Critica
+    int i = 0;      // current section of "(Y?)"
+    double n = 0;   // Manning roughness, one per screen
+    double Y = 0;   // working depth at which Area evaluates the current section
+    double P = 0;   // wetted perimeter left by Area and the marches
+    double h = 0;   // step of the in-bank normal-depth march
+    int k = 0;      // band index shared by Area, the normal-depth march and Critica; never reset
+    double Qc = 0;  // discharge handed to Critica
 
     // Flood zone (Qdesbord / Qdesbord3).
     double B = 0, nz = 0, hz = 0, Am = 0, Af = 0, Qm = 0;
@@ -86,7 +86,7 @@ struct State {
     // Top width of the top level, Tn.
     double BankWidth(int s) const { return T(s, npts(s)); }
 
-private:
+  private:
     void NormalMarch(int s);
     bool NormalFast(int s);
     void CriticaMarch(int s, double fr);

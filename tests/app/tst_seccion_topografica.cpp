@@ -99,9 +99,12 @@ class SeccionTopografica : public QObject {
             QTest::mouseClick(d->Apply(), Qt::LeftButton);
         });
         action->trigger();
-        const QStringList shown = {w->View()->Box(screens::section::LevelElevation(1))->text(), w->View()->Box(screens::section::LevelWidth(1))->text(),
-                                   w->View()->Box(screens::section::LevelElevation(3))->text(), w->View()->Box(screens::section::LevelWidth(3))->text(),
-                                   w->View()->Box(screens::section::LevelElevation(4))->text(), w->View()->Box(screens::section::LevelWidth(4))->text()};
+        const QStringList shown = {w->View()->Box(screens::section::LevelElevation(1))->text(),
+                                   w->View()->Box(screens::section::LevelWidth(1))->text(),
+                                   w->View()->Box(screens::section::LevelElevation(3))->text(),
+                                   w->View()->Box(screens::section::LevelWidth(3))->text(),
+                                   w->View()->Box(screens::section::LevelElevation(4))->text(),
+                                   w->View()->Box(screens::section::LevelWidth(4))->text()};
         QCOMPARE(shown, (QStringList{"100", "0", "105", "8", "", ""}));
         w->View()->MoveRecord(app::Move::Next);
         const auto& saved = Books()["rios.xlsx"]->rows[0];

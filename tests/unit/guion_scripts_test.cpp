@@ -41,11 +41,13 @@ TEST_P(GuionScript, PrintsTheExpectedControls) {
     cauce::test::ScratchDir scratch("guion-" + GetParam());
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);)
-        if (line.rfind("# @copy ", 0) == 0) fs::copy_file(dir / line.substr(8), scratch.path() / line.substr(8));
+        if (line.rfind("# @copy ", 0) == 0)
+            fs::copy_file(dir / line.substr(8), scratch.path() / line.substr(8));
 
     std::istringstream in(text);
     std::ostringstream out, err;
-    const int status = cauce::forms::RunScript(in, out, err, [](std::string_view n) { return cauce::screens::MakeScreen(n); });
+    const int status = cauce::forms::RunScript(
+        in, out, err, [](std::string_view n) { return cauce::screens::MakeScreen(n); });
     ASSERT_EQ(status, 0) << err.str();
 
     std::istringstream actual(out.str()), expected(Slurp(dir / (GetParam() + ".json")));
@@ -58,7 +60,8 @@ TEST_P(GuionScript, PrintsTheExpectedControls) {
         const auto want = nlohmann::json::parse(e);
         const auto got = nlohmann::json::parse(a);
         for (const auto& [key, value] : want.items())
-            EXPECT_EQ(got.value(key, std::string("<absent>")), value.get<std::string>()) << "line " << n << ", " << key;
+            EXPECT_EQ(got.value(key, std::string("<absent>")), value.get<std::string>())
+                << "line " << n << ", " << key;
         if (!want.contains("error")) {
             EXPECT_FALSE(got.contains("error")) << "line " << n << ": " << got.value("error", "");
         }

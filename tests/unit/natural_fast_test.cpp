@@ -21,7 +21,9 @@ int Cases() {
     return env ? std::atoi(env) : 100000;
 }
 
-bool Same(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+bool Same(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
 
 // Runs "(Y?)" on section 1 of st; returns the fault's message or "".
 std::string SectionRun(State& st) {
@@ -104,11 +106,13 @@ TEST_P(FastSearches, IdenticalToTheLiteralMarchesOnRandomSections) {
             continue;
         }
         overflowing += fast.Q(1) > full;
-        const double pairs[][2] = {{fast.Yn(1), literal.Yn(1)}, {fast.Yc(1), literal.Yc(1)}, {fast.A(1), literal.A(1)},
-                                   {fast.Tw(1), literal.Tw(1)}, {fast.P, literal.P},         {fast.h, literal.h},
-                                   {fast.hz, literal.hz},       {fast.Am, literal.Am},       {fast.Af, literal.Af},
-                                   {fast.Qm, literal.Qm},       {fast.V(1), literal.V(1)},   {fast.Za(1), literal.Za(1)}};
-        for (const auto& p : pairs) ASSERT_TRUE(Same(p[0], p[1])) << "case " << c << ": " << p[0] << " vs " << p[1];
+        const double pairs[][2] = {
+            {fast.Yn(1), literal.Yn(1)}, {fast.Yc(1), literal.Yc(1)}, {fast.A(1), literal.A(1)},
+            {fast.Tw(1), literal.Tw(1)}, {fast.P, literal.P},         {fast.h, literal.h},
+            {fast.hz, literal.hz},       {fast.Am, literal.Am},       {fast.Af, literal.Af},
+            {fast.Qm, literal.Qm},       {fast.V(1), literal.V(1)},   {fast.Za(1), literal.Za(1)}};
+        for (const auto& p : pairs)
+            ASSERT_TRUE(Same(p[0], p[1])) << "case " << c << ": " << p[0] << " vs " << p[1];
         ASSERT_EQ(fast.k, literal.k) << "case " << c;
     }
     EXPECT_GT(overflowing, cases / 10);

@@ -21,7 +21,8 @@ struct Level {
     double z, t;
 };
 
-State Section(int i, const std::vector<Level>& levels, double n, double s0, TableError expect = TableError::None) {
+State Section(int i, const std::vector<Level>& levels, double n, double s0,
+              TableError expect = TableError::None) {
     State st;
     for (std::size_t j = 0; j < levels.size(); ++j) {
         st.Z(i, static_cast<int>(j) + 1) = levels[j].z;
@@ -48,7 +49,9 @@ double Manning(double area, double perimeter, double n, double s) {
 }
 
 // The first grid depth (multiples of step) at or above y.
-double GridAbove(double y, double step) { return std::ceil(y / step - 1e-9) * step; }
+double GridAbove(double y, double step) {
+    return std::ceil(y / step - 1e-9) * step;
+}
 
 }  // namespace
 
@@ -115,22 +118,42 @@ TEST(NaturalNormalDepth, MatchesABisectionOfManningOneStepHigh) {
         double n, s, q;
         std::function<std::pair<double, double>(double)> geometry;  // area and perimeter at depth y
     } cases[] = {
-        {"rectangle b=2", {{100, 2}, {102, 2}}, 0.015, 0.001, 2.0,
-         [](double y) { return std::pair{2 * y, 2 + 2 * y}; }},
-        {"triangle m=1", {{50, 0}, {52, 4}}, 0.025, 0.004, 1.5,
-         [](double y) { return std::pair{y * y, 2 * y * std::sqrt(2.0)}; }},
-        {"second band", {{100, 2}, {101, 4}, {102, 4}}, 0.03, 0.002, 5.0,
-         [](double y) { return std::pair{3 + 4 * (y - 1), 2 + 2 * std::sqrt(2.0) + 2 * (y - 1)}; }},
+        {"rectangle b=2",
+         {{100, 2}, {102, 2}},
+         0.015,
+         0.001,
+         2.0,
+         [](double y) {
+             return std::pair{2 * y, 2 + 2 * y};
+         }},
+        {"triangle m=1",
+         {{50, 0}, {52, 4}},
+         0.025,
+         0.004,
+         1.5,
+         [](double y) {
+             return std::pair{y * y, 2 * y * std::sqrt(2.0)};
+         }},
+        {"second band",
+         {{100, 2}, {101, 4}, {102, 4}},
+         0.03,
+         0.002,
+         5.0,
+         [](double y) {
+             return std::pair{3 + 4 * (y - 1), 2 + 2 * std::sqrt(2.0) + 2 * (y - 1)};
+         }},
     };
     for (const auto& c : cases) {
         State st = Section(1, c.levels, c.n, c.s);
         st.Q(1) = c.q;
         ASSERT_LE(c.q, st.Qlleno(1)) << c.name;
         st.NormalInBank(1);
-        const double y = Bisect([&](double d) {
-            auto [a, p] = c.geometry(d);
-            return Manning(a, p, c.n, c.s) - c.q;
-        }, 1e-6, 2.0);
+        const double y = Bisect(
+            [&](double d) {
+                auto [a, p] = c.geometry(d);
+                return Manning(a, p, c.n, c.s) - c.q;
+            },
+            1e-6, 2.0);
         EXPECT_NEAR(st.Yn(1), GridAbove(y, 0.001) + 0.001, 1e-9) << c.name << ": root " << y;
         // Area and width are those of the depth one step below the reported one.
         const auto [a, p] = c.geometry(st.Yn(1) - 0.001);
@@ -222,11 +245,13 @@ TEST(NaturalFloodZone, DepthOverTheBanksMatchesABisection) {
     st.B = b;
     st.nz = nz;
     st.Qdesbord(1);
-    const double hz = Bisect([&](double d) {
-        const double am = 2 + d * (2 + d), pm = 4;
-        const double af = 8 * d, pf = 8 + 2 * std::sqrt(2.0) * d;
-        return Manning(am, pm, n, s) + Manning(af, pf, nz, s) - q;
-    }, 1e-6, 5.0);
+    const double hz = Bisect(
+        [&](double d) {
+            const double am = 2 + d * (2 + d), pm = 4;
+            const double af = 8 * d, pf = 8 + 2 * std::sqrt(2.0) * d;
+            return Manning(am, pm, n, s) + Manning(af, pf, nz, s) - q;
+        },
+        1e-6, 5.0);
     EXPECT_NEAR(st.hz, GridAbove(hz, 0.002), 1e-9);
     EXPECT_FALSE(st.NoFloodZone(1));
 }

@@ -373,7 +373,8 @@ TEST(PrismaticFaults, BadDataAndEndlessSearchesAreFaultsNamingTheCause) {
             c.run();
             ADD_FAILURE() << c.what << ": no fault";
         } catch (const Fault& f) {
-            EXPECT_NE(std::string(f.what()).find(c.message_part), std::string::npos) << c.what << ": " << f.what();
+            EXPECT_NE(std::string(f.what()).find(c.message_part), std::string::npos)
+                << c.what << ": " << f.what();
         }
     }
 }

@@ -311,4 +311,3 @@ TEST(ProfileGuards, FaultsInsteadOfCrashesOrHangs) {
         }
     }
 }
-

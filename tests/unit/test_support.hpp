@@ -10,9 +10,10 @@ namespace cauce::test {
 
 // A fresh folder under the system's temporary folder, made the working folder while it lives.
 class ScratchDir {
-public:
+  public:
     explicit ScratchDir(const std::string& name)
-        : path_(std::filesystem::temp_directory_path() / ("cauce-test-" + std::to_string(platform::ProcessId()) + "-" + name)),
+        : path_(std::filesystem::temp_directory_path() /
+                ("cauce-test-" + std::to_string(platform::ProcessId()) + "-" + name)),
           old_(std::filesystem::current_path()) {
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
@@ -25,7 +26,7 @@ public:
     }
     const std::filesystem::path& path() const { return path_; }
 
-private:
+  private:
     std::filesystem::path path_, old_;
 };
 
