@@ -19,7 +19,7 @@ std::string WriteCurvePng(const CurvePlot&, const std::string&) {
     return CannotDraw();
 }
 
-int WriteReport(const std::string&, const ReachOptions&, const ProjectOptions&, const std::string&) {
+int WriteReport(const std::string&, const reach::ReachOptions&, const ProjectOptions&, const std::string&) {
     std::cerr << "cauce informe: " << CannotDraw() << "\n";
     return kExitData;
 }

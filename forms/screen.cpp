@@ -176,8 +176,10 @@ bool Screen::Resync() {
             c.text = now;
             changed = true;
         }
-        if (c.text == now) it->second = now;
-        base_[c.name] = now;
+        if (c.text == now) {
+            it->second = now;
+            base_[c.name] = now;
+        }
     }
     filling_ = false;
     dirty_ = false;
@@ -213,6 +215,7 @@ std::string Screen::ResolveConflict(bool keep_mine) {
             it->second = now;
         else
             c.text = it->second = now;
+        base_[c.name] = now;
     }
     dirty_ = false;
     for (const auto& [box, text] : filled_)
