@@ -72,6 +72,10 @@ void Type(app::ScreenView& view, std::string_view box, const QString& text) {
         QTest::keyClicks(edit, text);
 }
 
+void Press(app::ScreenView& view, std::string_view button) {
+    QTest::mouseClick(view.Button(button), Qt::LeftButton);
+}
+
 void InstallMemoryBooks() {
     forms::SetSourceOpener(&OpenMemory);
 }
@@ -118,6 +122,17 @@ std::map<std::string, std::string> SectionRow(int number, int count,
         row[Numbered("t", static_cast<int>(j) + 1)] = Text(levels[j].second);
     }
     return row;
+}
+
+std::shared_ptr<MemorySheet> ThreeSectionReach() {
+    std::vector<std::map<std::string, std::string>> rows;
+    for (int k = 1; k <= 3; ++k) {
+        const double bed = 100.12 - 0.06 * k;
+        auto row = SectionRow(k, 3, {{bed, 3.0}, {bed + 3.0, 3.0}}, 0.015, 0.001, 6.0);
+        for (int j = 1; j <= 3; ++j) row[Numbered("Abscisa", j)] = std::to_string(60 * (j - 1));
+        rows.push_back(row);
+    }
+    return MakeSheet(Form2Columns(), rows);
 }
 
 std::vector<std::pair<std::string, std::string>> ReadmeRectangle() {

@@ -22,6 +22,11 @@ void Type(app::ScreenView& view, std::string_view box, const QString& text);
 inline void Type(app::ScreenView* view, std::string_view box, const QString& text) {
     Type(*view, box, text);
 }
+// Clicks a screen's button.
+void Press(app::ScreenView& view, std::string_view button);
+inline void Press(app::ScreenView* view, std::string_view button) {
+    Press(*view, button);
+}
 inline QString Q(const std::string& s) {
     return QString::fromStdString(s);
 }
@@ -77,5 +82,8 @@ std::vector<std::pair<std::string, std::string>> ReadmeRectangle();
 
 // The columns of the Form2 sheet.
 std::vector<std::string> Form2Columns();
+
+// Three sections of a rectangular channel 3 m wide falling 0.06 m in 60 m (S 0.001), 6 m3/s.
+std::shared_ptr<MemorySheet> ThreeSectionReach();
 
 }  // namespace cauce::apptest

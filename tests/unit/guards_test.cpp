@@ -23,6 +23,7 @@
 #include "screens/form5.hpp"
 #include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
+#include "test_support.hpp"
 
 namespace {
 
@@ -32,26 +33,12 @@ namespace form3 = cauce::screens::form3;
 namespace form5 = cauce::screens::form5;
 namespace profile = cauce::screens::profile;
 namespace section = cauce::screens::section;
+using cauce::test::Bisect;
+using cauce::test::Manning;
 
 // ---- Independent references ---------------------------------------------------------------------
 
 constexpr double kG = 9.81;
-
-double Bisect(const std::function<double(double)>& f, double lo, double hi) {
-    for (int i = 0; i < 200; ++i) {
-        const double mid = (lo + hi) / 2;
-        if ((f(lo) < 0) == (f(mid) < 0)) {
-            lo = mid;
-        } else {
-            hi = mid;
-        }
-    }
-    return (lo + hi) / 2;
-}
-
-double Manning(double a, double p, double n, double s) {
-    return std::sqrt(s) / n * std::pow(a, 5.0 / 3.0) / std::pow(p, 2.0 / 3.0);
-}
 
 // A trapezoid of bed width b and side slope m (horizontal per vertical).
 double NormalDepth(double b, double m, double n, double s, double q) {
@@ -107,8 +94,6 @@ const double kTrapYn = NormalDepth(2, 1, kN, kS, 2);  // 0.6273
 const double kTrapYc = CriticalDepth(2, 1, 2);        // 0.4329
 const double kTrapPb = 2 + 2 * std::sqrt(2.0);
 const double kTrapD = OverBankHeight(3, kTrapPb, 4, 20, kN, kNz, kS, 10);
-const double kTrapQAt13 =
-    Manning(3 + 0.3 * 4.3, kTrapPb, kN, kS) + Manning(16 * 0.3, 16 + 2 * std::sqrt(2.0) * 0.3, kNz, kS);
 const double kBackwater = BackwaterDepth(3, kN, kS, 6, 2.0, 100);  // 1.925
 
 // ---- Cases ---------------------------------------------------------------------------------------
@@ -199,7 +184,8 @@ const std::vector<Guard>& Cases() {
           {form5::box::Area, 9 + kRectHz * (3 + kRectHz) + 17 * kRectHz, 0.005 + 0.002 * 21},
           {form5::box::TopWidth, 20 + 2 * kRectHz, 0.005 + 0.004}},
          {}},
-        // Zero roughness: Form4 divides by it while building the tables; Form3 refuses it first.
+        // Zero roughness: Form4 divides by it while building the tables (Form3 refuses it first:
+        // form3_perfil).
         {"ZeroRoughnessForm4",
          "Form4",
          Join({{Put(profile::box::SectionCount, "3"), Put(profile::box::SectionNumber, "1")},
@@ -211,32 +197,6 @@ const std::vector<Guard>& Cases() {
          {Put(profile::box::Roughness, "0.015"), Press(profile::button::Section)},
          {{profile::box::NormalDepth, kRectYn, 0.007}, {profile::box::CriticalDepth, kRectYc, 0.007}},
          {{profile::label::Message, ""}}},
-        {"ZeroRoughnessForm3",
-         "Form3",
-         Join({{Put(form3::box::SectionCount, "3"), Put(form3::box::SectionNumber, "1")},
-               Rectangle(form3::box::Roughness, form3::box::Slope, form3::box::Discharge, "6"),
-               {Put(form3::box::Roughness, "0")}}),
-         form3::button::Section,
-         "",
-         {{form3::label::Message, "Falta la Rugosidad"}, {form3::box::NormalDepth, ""}},
-         {Put(form3::box::Roughness, "0.015"), Press(form3::button::Section)},
-         {{form3::box::NormalDepth, kRectYn, 0.007}, {form3::box::CriticalDepth, kRectYc, 0.007}},
-         {{form3::label::Message, ""}}},
-        // A flood zone narrower than the channel at its banks: a negative flood-zone area.
-        {"NarrowFloodZoneQForm1",
-         "Form1",
-         {Press(form1::button::Trapezoidal), Put(form1::box::Roughness, "0.015"),
-          Put(form1::box::Slope, "0.001"), Put(form1::box::Base, "2"), Put(form1::box::SideSlope, "1"),
-          Put(form1::box::BankHeight, "1"), Put(form1::box::FloodWidth, "3"),
-          Put(form1::box::FloodRoughness, "0.04"), Put(form1::box::NormalDepth, "1.3")},
-         form1::button::Discharge,
-         "El ancho de la zona inundable es menor que el ancho del canal a banca llena (revise el Ancho zona)",
-         {{form1::box::Discharge, ""}},
-         {Put(form1::box::FloodWidth, "20"), Press(form1::button::Discharge)},
-         {{form1::box::Discharge, kTrapQAt13, 0.0005},
-          {form1::box::MainArea, 4.29, 0.005},
-          {form1::box::FloodArea, 4.8, 0.005}},
-         {{form1::label::Message, "HAY DESBORDAMIENTO"}}},
         // A discharge no channel carries.
         {"HugeDischargeOverTheBanksForm5",
          "Form5",

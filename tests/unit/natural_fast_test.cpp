@@ -3,27 +3,18 @@
 // including bands whose conveyance first falls and then rises, stale bands and faults.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <random>
 #include <string>
 
 #include "hydraulics/accumulate.hpp"
 #include "hydraulics/natural/state.hpp"
+#include "test_support.hpp"
 
 using cauce::Fault;
 using cauce::natural::State;
+using cauce::test::Same;
 
 namespace {
-
-int Cases() {
-    const char* env = std::getenv("CAUCE_CASOS_IDENTIDAD");
-    return env ? std::atoi(env) : 100000;
-}
-
-bool Same(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 // Runs "(Y?)" on section 1 of st; returns the fault's message or "".
 std::string SectionRun(State& st) {
@@ -71,7 +62,7 @@ class FastSearches : public ::testing::TestWithParam<int> {};
 TEST_P(FastSearches, IdenticalToTheLiteralMarchesOnRandomSections) {
     std::mt19937_64 rng(20261122 + GetParam());
     std::uniform_real_distribution<double> u(0, 1);
-    const int cases = Cases() / 4;
+    const int cases = cauce::test::IdentityCases() / 4;
     int overflowing = 0, faulted = 0;
     for (int c = 0; c < cases; ++c) {
         State fast;

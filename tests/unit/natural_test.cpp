@@ -5,15 +5,17 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <utility>
 #include <vector>
 
 #include "hydraulics/natural/state.hpp"
+#include "test_support.hpp"
 
 using cauce::Fault;
 using cauce::natural::State;
 using cauce::natural::TableError;
+using cauce::test::Bisect;
+using cauce::test::Manning;
 
 namespace {
 
@@ -33,19 +35,6 @@ State Section(int i, const std::vector<Level>& levels, double n, double s0,
     st.CountLevels(i);
     EXPECT_EQ(st.Qful(i), expect);
     return st;
-}
-
-// Root of f on [a, b] by bisection (f(a) < 0 < f(b)).
-double Bisect(const std::function<double(double)>& f, double a, double b) {
-    for (int it = 0; it < 200; ++it) {
-        const double mid = (a + b) / 2;
-        (f(mid) < 0 ? a : b) = mid;
-    }
-    return (a + b) / 2;
-}
-
-double Manning(double area, double perimeter, double n, double s) {
-    return std::sqrt(s) / n * std::pow(area, 5.0 / 3.0) / std::pow(perimeter, 2.0 / 3.0);
 }
 
 // The first grid depth (multiples of step) at or above y.
@@ -161,13 +150,6 @@ TEST(NaturalNormalDepth, MatchesABisectionOfManningOneStepHigh) {
     }
 }
 
-TEST(NaturalNormalDepth, TinyDischargeGivesTwoMillimetres) {
-    State st = Section(1, {{100, 2}, {102, 2}}, 0.015, 0.001);
-    st.Q(1) = 1e-6;
-    st.NormalInBank(1);
-    EXPECT_NEAR(st.Yn(1), 0.002, 1e-12);
-}
-
 TEST(NaturalNormalDepth, DischargeEqualToBankFullUsesTheStaleBand) {
     State st = Section(1, {{100, 2}, {102, 2}}, 0.015, 0.001);
     st.Q(1) = st.Qlleno(1);
@@ -221,15 +203,6 @@ TEST(NaturalCriticalDepth, ClosedFormsOneStepLow) {
     }
 }
 
-TEST(NaturalCriticalDepth, FroudeOneAtALevelGivesThatLevel) {
-    // Rectangle b=1 with the discharge that is critical at exactly 1 m: q = sqrt(g).
-    State st = Section(1, {{0.5, 1}, {1.5, 1}, {2.5, 1}}, 0.015, 0.001);
-    st.Qc = std::sqrt(9.81 * 1.0 * 1.0 * 1.0 / 1.0);
-    st.Critica(1);
-    EXPECT_EQ(st.k, 2);
-    EXPECT_NEAR(st.Yc(1), 1.0, 1e-12);
-}
-
 TEST(NaturalCriticalDepth, ZeroDischargeEndsInADivisionFault) {
     State st = Section(1, {{100, 2}, {102, 2}}, 0.015, 0.001);
     st.Qc = 0;
@@ -254,15 +227,6 @@ TEST(NaturalFloodZone, DepthOverTheBanksMatchesABisection) {
         1e-6, 5.0);
     EXPECT_NEAR(st.hz, GridAbove(hz, 0.002), 1e-9);
     EXPECT_FALSE(st.NoFloodZone(1));
-}
-
-TEST(NaturalFloodZone, JustAboveBankFullTakesOneStep) {
-    State st = Section(1, {{100, 2}, {101, 2}}, 0.015, 0.001);
-    st.Q(1) = st.Qlleno(1) * (1 + 1e-9);
-    st.B = 6;
-    st.nz = 0.04;
-    st.Qdesbord(1);
-    EXPECT_NEAR(st.Yn(1), 1.002, 1e-12);
 }
 
 TEST(NaturalFloodZone, CriticalDepthCases) {

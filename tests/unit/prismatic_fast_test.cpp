@@ -5,29 +5,20 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "hydraulics/prismatic/state.hpp"
+#include "test_support.hpp"
 
 using cauce::Fault;
 using cauce::prismatic::FloodStatus;
 using cauce::prismatic::State;
+using cauce::test::Same;
 
 namespace {
-
-int Cases() {
-    const char* env = std::getenv("CAUCE_CASOS_IDENTIDAD");
-    return env ? std::atoi(env) : 100000;
-}
-
-bool Same(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 // Every value of the state, in declaration order.
 std::vector<double> Values(const State& s) {
@@ -201,7 +192,7 @@ TEST_P(PrismaticFastSearches, IdenticalToTheLiteralMarchesOnRandomChannels) {
     std::uniform_real_distribution<double> u(0, 1);
     auto between = [&](double lo, double hi) { return lo + (hi - lo) * u(rng); };
     auto logBetween = [&](double lo, double hi) { return std::exp(between(std::log(lo), std::log(hi))); };
-    const int cases = Cases() / 4;
+    const int cases = cauce::test::IdentityCases() / 4;
     int flooded = 0, conduits = 0, climbed = 0, faulted = 0;
     for (int c = 0; c < cases; ++c) {
         State fast;

@@ -274,23 +274,6 @@ TEST(ProfileGuards, FaultsInsteadOfCrashesOrHangs) {
              pf::Perfilm(st, 2);
          },
          cauce::msg::kDivisionPorCero},
-        {"endless march: a depth so large that 5 mm no longer changes it",
-         [](State& st) {
-             pf::RunPolicy small;
-             small.step_budget = 1000;
-             st.Ysec(2) = st.Y = 1e17;
-             st.L(2) = 100;
-             pf::Perfilm(st, 2, small);
-         },
-         pf::kEndlessMarch},
-        {"reach lengths up to section 51",
-         [](State& st) {
-             st.N = 51;
-             pf::RunPolicy p;
-             p.lengths = pf::Lengths::UpToN;
-             pf::ReachLengths(st, p);
-         },
-         "Subíndice fuera del intervalo: 51 no está entre 0 y 50"},
         {"a section never computed (no levels)",
          [](State& st) {
              st.N = 3;

@@ -91,10 +91,4 @@ TEST(Socavacion, RectangularSectionByHand) {
     }
 }
 
-TEST(Socavacion, SectionOutsideTheArraysIsAFault) {
-    cauce::natural::State st;
-    st.n = 0.03;
-    EXPECT_THROW(cauce::scour::Socavacion(st, 51, 2, 0.001, {0.01, GrainExponent(0.01)}), cauce::Fault);
-}
-
 }  // namespace

@@ -1,7 +1,11 @@
 // Helpers shared by the tests.
 #pragma once
 
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "platform/platform.hpp"
@@ -29,5 +33,30 @@ class ScratchDir {
   private:
     std::filesystem::path path_, old_;
 };
+
+// Root of f, rising through zero between a and b, by bisection: the tests' independent reference.
+inline double Bisect(const std::function<double(double)>& f, double a, double b) {
+    for (int i = 0; i < 200; ++i) {
+        const double mid = (a + b) / 2;
+        (f(mid) < 0 ? a : b) = mid;
+    }
+    return (a + b) / 2;
+}
+
+// Manning's discharge of a section of this area and wetted perimeter.
+inline double Manning(double area, double perimeter, double n, double s) {
+    return std::sqrt(s) / n * std::pow(area, 5.0 / 3.0) / std::pow(perimeter, 2.0 / 3.0);
+}
+
+// How many random cases the identity tests of the fast searches run (fewer under the sanitizers).
+inline int IdentityCases() {
+    const char* env = std::getenv("CAUCE_CASOS_IDENTIDAD");
+    return env ? std::atoi(env) : 100000;
+}
+
+// The same double, bit for bit.
+inline bool Same(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
 
 }  // namespace cauce::test

@@ -31,7 +31,7 @@ std::string CellOf(const fs::path& file, const std::string& sheet, int record, c
 
 }  // namespace
 
-class LibroCompartido : public QObject {
+class SharedWorkbook : public QObject {
     Q_OBJECT
     fs::path dir_, file_;
 
@@ -139,5 +139,5 @@ class LibroCompartido : public QObject {
     }
 };
 
-QTEST_MAIN(LibroCompartido)
-#include "tst_libro_compartido.moc"
+QTEST_MAIN(SharedWorkbook)
+#include "tst_shared_workbook.moc"

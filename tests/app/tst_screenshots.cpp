@@ -48,7 +48,7 @@ void Save(const QImage& image, const QString& name) {
 
 }  // namespace
 
-class Capturas : public QObject {
+class Screenshots : public QObject {
     Q_OBJECT
   private slots:
     void initTestCase() {
@@ -156,5 +156,5 @@ class Capturas : public QObject {
     QString rios_;  // the user's Rios workbook, from the bundled example (empty without workbooks)
 };
 
-QTEST_MAIN(Capturas)
-#include "tst_capturas.moc"
+QTEST_MAIN(Screenshots)
+#include "tst_screenshots.moc"

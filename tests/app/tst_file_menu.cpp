@@ -46,7 +46,7 @@ QByteArray Read(const QString& path) {
 
 }  // namespace
 
-class Archivo : public QObject {
+class FileMenu : public QObject {
     Q_OBJECT
   private slots:
     void initTestCase() {
@@ -186,5 +186,5 @@ class Archivo : public QObject {
     }
 };
 
-QTEST_MAIN(Archivo)
-#include "tst_archivo.moc"
+QTEST_MAIN(FileMenu)
+#include "tst_file_menu.moc"

@@ -37,7 +37,7 @@ QAction* MenuAction(QMainWindow* w, const QString& menu, const QString& text) {
 
 }  // namespace
 
-class SeccionTopografica : public QObject {
+class SurveySection : public QObject {
     Q_OBJECT
   private slots:
     void initTestCase() { InstallMemoryBooks(); }
@@ -125,5 +125,5 @@ class SeccionTopografica : public QObject {
     }
 };
 
-QTEST_MAIN(SeccionTopografica)
-#include "tst_seccion_topografica.moc"
+QTEST_MAIN(SurveySection)
+#include "tst_survey_section.moc"
