@@ -1,6 +1,9 @@
 #include "support.hpp"
 
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
 #include <QtTest>
 #include <charconv>
 
@@ -76,6 +79,14 @@ void Press(app::ScreenView& view, std::string_view button) {
     QTest::mouseClick(view.Button(button), Qt::LeftButton);
 }
 
+QAction* MenuAction(QMainWindow* w, const QString& menu, const QString& text) {
+    for (QAction* m : w->menuBar()->actions())
+        if (m->text().remove('&') == menu)
+            for (QAction* a : m->menu()->actions())
+                if (a->text().remove('&') == text || a->objectName() == text) return a;
+    return nullptr;
+}
+
 void InstallMemoryBooks() {
     forms::SetSourceOpener(&OpenMemory);
 }
@@ -133,6 +144,11 @@ std::shared_ptr<MemorySheet> ThreeSectionReach() {
         rows.push_back(row);
     }
     return MakeSheet(Form2Columns(), rows);
+}
+
+void OnlyRios() {
+    Books().clear();
+    Books()["rios.xlsx"] = ThreeSectionReach();
 }
 
 std::vector<std::pair<std::string, std::string>> ReadmeRectangle() {

@@ -2,6 +2,8 @@
 // messages instead of showing modal dialogs.
 #pragma once
 
+#include <QAction>
+#include <QMainWindow>
 #include <QString>
 #include <QStringList>
 #include <map>
@@ -30,6 +32,9 @@ inline void Press(app::ScreenView* view, std::string_view button) {
 inline QString Q(const std::string& s) {
     return QString::fromStdString(s);
 }
+
+// The entry of a menu of the window's bar, by its text without accelerator marks or its object name.
+QAction* MenuAction(QMainWindow* w, const QString& menu, const QString& text);
 
 // A sheet held in memory: a header row of columns and rows of texts.
 struct MemorySheet {
@@ -85,5 +90,8 @@ std::vector<std::string> Form2Columns();
 
 // Three sections of a rectangular channel 3 m wide falling 0.06 m in 60 m (S 0.001), 6 m3/s.
 std::shared_ptr<MemorySheet> ThreeSectionReach();
+
+// The in-memory workbooks: only "rios.xlsx", holding ThreeSectionReach.
+void OnlyRios();
 
 }  // namespace cauce::apptest

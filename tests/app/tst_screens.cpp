@@ -105,25 +105,6 @@ class Screens : public QObject {
         QVERIFY(prompter.faults.isEmpty());
     }
 
-    // Over the banks into a flood zone narrower than the channel: the message line, and the figure.
-    void form2MessagesAndFigures() {
-        RecordingPrompter prompter;
-        auto s = Show("Form2", prompter);
-        TypeRectangle(*s.view);
-        Type(*s.view, profile::box::SectionCount, "2");  // not the last section: "(Y?)" stays
-        Type(*s.view, profile::box::Discharge, "12");
-        Type(*s.view, profile::box::FloodWidth, "1");
-        Press(*s.view, profile::button::Section);
-        QCOMPARE(s.view->Caption(profile::label::Message)->text(),
-                 QStringLiteral("El ancho B no puede ser menor que Tn. Ver Figura"));
-        QCOMPARE(s.view->Picture(profile::picture::Section)->CurrentFigure(), Figure::Cauces);
-        Type(*s.view, profile::box::FloodWidth, "2");
-        Type(*s.view, profile::box::FloodRoughness, "0.04");
-        Press(*s.view, profile::button::Section);
-        QCOMPARE(s.view->Caption(profile::label::Message)->text(), QStringLiteral("HAY DESBORDAMIENTO"));
-        QCOMPARE(s.view->Picture(profile::picture::Section)->CurrentFigure(), Figure::Cauces2);
-    }
-
     // The real message box: warning text, Spanish button, and it does not end the program.
     void faultMessageBoxIsSpanish() {
         app::DialogPrompter prompter;

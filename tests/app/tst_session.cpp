@@ -55,10 +55,7 @@ class Session : public QObject {
     Q_OBJECT
   private slots:
     void initTestCase() { InstallMemoryBooks(); }
-    void init() {
-        Books().clear();
-        Books()["rios.xlsx"] = ThreeSectionReach();
-    }
+    void init() { OnlyRios(); }
 
     void separators_data() {
         QTest::addColumn<QString>("text");

@@ -27,14 +27,6 @@ namespace {
 // A bar in mid-channel, pasted from a spreadsheet with decimal commas: its stack is known exactly.
 const QString kIslote = QStringLiteral("Abscisa\tCota\n0\t105\n2\t100\n4\t103\n6\t100\n8,0\t105\n");
 
-QAction* MenuAction(QMainWindow* w, const QString& menu, const QString& text) {
-    for (QAction* m : w->menuBar()->actions())
-        if (m->text().remove('&') == menu)
-            for (QAction* a : m->menu()->actions())
-                if (a->text().remove('&') == text) return a;
-    return nullptr;
-}
-
 }  // namespace
 
 class SurveySection : public QObject {

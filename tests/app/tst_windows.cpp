@@ -34,24 +34,13 @@ void Click(QAbstractButton* button) {
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
-QAction* MenuAction(QMainWindow* w, const QString& menu, const QString& text) {
-    for (QAction* m : w->menuBar()->actions())
-        if (m->text().remove('&') == menu)
-            for (QAction* a : m->menu()->actions())
-                if (a->text().remove('&') == text || a->objectName() == text) return a;
-    return nullptr;
-}
-
 }  // namespace
 
 class Windows : public QObject {
     Q_OBJECT
   private slots:
     void initTestCase() { InstallMemoryBooks(); }
-    void init() {
-        Books().clear();
-        Books()["rios.xlsx"] = ThreeSectionReach();
-    }
+    void init() { OnlyRios(); }
 
     // The program starts on Form2 bound to its workbook: title, navigator, the first record shown.
     void startsOnForm2BoundToItsWorkbook() {
