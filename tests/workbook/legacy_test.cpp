@@ -19,7 +19,7 @@ std::string Q(const fs::path& p) {
 
 struct LibreOfficeCase {
     const char* label;
-    const char* name;  // the case of libros.py xls-libreoffice
+    const char* name;  // the case of workbooks.py xls-libreoffice
     int row, col;      // a cell that freexl alone does not give
     workbook::Cell want;
 };
@@ -29,7 +29,7 @@ class LibreOfficeXls : public WorkbookTest, public ::testing::WithParamInterface
 TEST_P(LibreOfficeXls, IsReadWholeAndItsXlsxListsWhatItDoesNotCarry) {
     const LibreOfficeCase& c = GetParam();
     const fs::path file = Dir() / "rio.xls";
-    ASSERT_EQ(Libros(std::string("xls-libreoffice ") + file.string() + " " + c.name), 0);
+    ASSERT_EQ(Workbooks(std::string("xls-libreoffice ") + file.string() + " " + c.name), 0);
     const std::string before = Slurp(file);
     auto book = workbook::Workbook::Open(file);
     ASSERT_EQ(book->SheetNames(), (std::vector<std::string>{"Persecc", "Notas"}));
@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(WorkbookTest, LegacyReaderThatDiesIsADamagedFileNamed) {
     const fs::path file = Dir() / "rio.xls";
-    ASSERT_EQ(Libros("crear-xls " + file.string()), 0);
+    ASSERT_EQ(Workbooks("crear-xls " + file.string()), 0);
     const std::string before = Slurp(file);
     ::setenv("CAUCE_PRUEBA_LECTOR_XLS", "abortar", 1);
     std::string message;

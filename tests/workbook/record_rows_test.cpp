@@ -88,7 +88,7 @@ TEST(CustomProperties, KeptSetAndRemovedWithoutTouchingTheSheets) {
     EXPECT_EQ(book->FindSheet("Persecc")->Get(2, 1), Cell::Num(1));
     // An independent reader still opens the package with its new part.
     std::string rows;
-    ASSERT_EQ(Libros("leer " + file.string() + " Persecc", &rows), 0) << rows;
+    ASSERT_EQ(Workbooks("leer " + file.string() + " Persecc", &rows), 0) << rows;
     EXPECT_NE(rows.find("[[\"SecId\"], [1]]"), std::string::npos) << rows;
     fs::remove_all(dir);
 }

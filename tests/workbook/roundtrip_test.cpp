@@ -42,7 +42,7 @@ std::string Replace(std::string s, const std::string& from, const std::string& t
 }
 
 TEST_F(WorkbookTest, OpenpyxlFindsTheEditsAndEverythingElseIntact) {
-    ASSERT_EQ(Libros("crear " + (Dir() / "original.xlsx").string()), 0);
+    ASSERT_EQ(Workbooks("crear " + (Dir() / "original.xlsx").string()), 0);
     fs::copy_file(Dir() / "original.xlsx", Dir() / "rio.xlsx");
     // Form2 has no box for "Notas" or "Doble": a sheet of the same workbook edited through Form5 would
     // be the same story, so those two go through the record source directly below.
@@ -62,15 +62,15 @@ TEST_F(WorkbookTest, OpenpyxlFindsTheEditsAndEverythingElseIntact) {
     }
     Spit(Dir() / "cambios.json", kChanges);
     std::string out;
-    EXPECT_EQ(Libros("verificar " + (Dir() / "original.xlsx").string() + " " + (Dir() / "rio.xlsx").string() +
-                         " " + (Dir() / "cambios.json").string(),
-                     &out),
+    EXPECT_EQ(Workbooks("verificar " + (Dir() / "original.xlsx").string() + " " +
+                            (Dir() / "rio.xlsx").string() + " " + (Dir() / "cambios.json").string(),
+                        &out),
               0)
         << out;
 }
 
 TEST_F(WorkbookTest, LegacyXlsIsSavedAsAnXlsxBesideItAndNeverWritten) {
-    ASSERT_EQ(Libros("crear-xls " + (Dir() / "rio.xls").string()), 0);
+    ASSERT_EQ(Workbooks("crear-xls " + (Dir() / "rio.xls").string()), 0);
     const std::string xls = Slurp(Dir() / "rio.xls");
     auto r = Guion(Replace(kScript, "LIBRO", "rio.xls"));
     ASSERT_EQ(r.status, 0) << r.err;
@@ -86,7 +86,7 @@ TEST_F(WorkbookTest, LegacyXlsIsSavedAsAnXlsxBesideItAndNeverWritten) {
 
     // Later saves go to that .xlsx; nothing else appears beside it.
     std::string out;
-    ASSERT_EQ(Libros("leer " + (Dir() / "rio.xlsx").string() + " Persecc", &out), 0) << out;
+    ASSERT_EQ(Workbooks("leer " + (Dir() / "rio.xlsx").string() + " Persecc", &out), 0) << out;
     const auto rows = nlohmann::json::parse(out);
     EXPECT_EQ(rows[2][8], 0.04);    // record 2, Rugosidad
     EXPECT_EQ(rows[2][2], 99.9);    // record 2, z1
@@ -94,7 +94,7 @@ TEST_F(WorkbookTest, LegacyXlsIsSavedAsAnXlsxBesideItAndNeverWritten) {
     EXPECT_EQ(rows[1][16], 390.5);  // record 1, Abscisa9
     EXPECT_EQ(rows[1][17], "M2");
     EXPECT_EQ(rows[1][19], "aguas arriba");  // untouched text
-    ASSERT_EQ(Libros("leer " + (Dir() / "rio.xlsx").string() + " Notas", &out), 0) << out;
+    ASSERT_EQ(Workbooks("leer " + (Dir() / "rio.xlsx").string() + " Notas", &out), 0) << out;
     EXPECT_EQ(nlohmann::json::parse(out)[0][0], "Libro antiguo del río");
     std::size_t files = 0;
     for ([[maybe_unused]] const auto& e : fs::directory_iterator(Dir())) ++files;

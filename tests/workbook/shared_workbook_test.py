@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """A workbook shared by two Cauce processes and by LibreOffice, as users share one.
 
-  compartido_test.py -v GuionesTest       two "cauce guion" save one workbook at the same instant
-  compartido_test.py -v LibreOfficeTest   LibreOffice (headless, driven through python3-uno) as the
+  shared_workbook_test.py -v GuionesTest       two "cauce guion" save one workbook at the same instant
+  shared_workbook_test.py -v LibreOfficeTest   LibreOffice (headless, driven through python3-uno) as the
                                           other program: its workbook edited by Cauce, its lock
                                           honoured, Cauce's lock seen by it
 Environment: CAUCE (the program), CAUCE_EJEMPLOS (examples/), CAUCE_DATOS (a scratch data folder).
@@ -104,7 +104,7 @@ class GuionesTest(Scratch):
     def test_typed_relative_path_is_the_working_folders(self):
         # A legacy .xls of the working folder, not the data folder's workbook of that name.
         book = os.path.join(self.dir, "Rios.xls")
-        subprocess.run(["/usr/bin/python3", os.path.join(os.path.dirname(__file__), "libros.py"), "crear-xls",
+        subprocess.run(["/usr/bin/python3", os.path.join(os.path.dirname(__file__), "workbooks.py"), "crear-xls",
                         book], check=True)
         r = self.guion("pantalla Form2\nlibro Rios.xls\nmostrar\n")
         self.assertEqual(r.returncode, 0, r.stderr)

@@ -19,32 +19,11 @@ using workbook::SheetRecords;
 using workbook::Workbook;
 namespace profile = screens::profile;
 
-const fs::path kRios = fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx";
-
-std::string CellOf(const fs::path& file, const std::string& sheet, int record, const std::string& column) {
-    return SheetRecords(Workbook::Open(file), sheet).Get(record, column);
-}
-
-std::string Part(const fs::path& file, const std::string& part) {
-    int err = 0;
-    zip_t* z = zip_open(file.c_str(), ZIP_RDONLY, &err);
-    std::string text;
-    if (!z) return text;
-    if (zip_file_t* f = zip_fopen(z, part.c_str(), 0)) {
-        char buf[4096];
-        for (zip_int64_t n; (n = zip_fread(f, buf, sizeof buf)) > 0;)
-            text.append(buf, static_cast<std::size_t>(n));
-        zip_fclose(f);
-    }
-    zip_close(z);
-    return text;
-}
-
 // Another program saves a cell (openpyxl rewrites the whole file).
 void Elsewhere(const fs::path& file, const std::string& sheet, int record, const std::string& column,
                const std::string& json) {
-    ASSERT_EQ(Libros("poner " + file.string() + " " + sheet + " " + std::to_string(record) + " \"" + column +
-                     "\" " + json),
+    ASSERT_EQ(Workbooks("poner " + file.string() + " " + sheet + " " + std::to_string(record) + " \"" +
+                        column + "\" " + json),
               0);
 }
 
@@ -232,7 +211,7 @@ TEST_F(WorkbookTest, LockFilesFollowTheSpreadsheetProgramsConvention) {
 
 TEST_F(WorkbookTest, FormulaCellsAreSavedWithoutCachedResultsAndStillShown) {
     const fs::path file = Dir() / "rio.xlsx";
-    ASSERT_EQ(Libros("crear " + file.string()), 0);
+    ASSERT_EQ(Workbooks("crear " + file.string()), 0);
     std::string cached;
     {
         auto rec = workbook::OpenRecords(file.string(), "Persecc");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <zip.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -18,6 +19,8 @@
 #include "screens/registry.hpp"
 #include "tests/unit/test_support.hpp"
 #include "workbook/install.hpp"
+#include "workbook/records.hpp"
+#include "workbook/workbook.hpp"
 
 namespace cauce::test {
 
@@ -28,6 +31,9 @@ namespace profile = screens::profile;
 inline std::string Shown(const nlohmann::json& line, std::string_view control) {
     return line.value(std::string(control), std::string());
 }
+
+// The bundled example workbook.
+inline const fs::path kRios = fs::path(CAUCE_EXAMPLES_DIR) / "Rios.xlsx";
 
 inline std::string Slurp(const fs::path& p) {
     std::ifstream in(p, std::ios::binary);
@@ -41,9 +47,9 @@ inline void Spit(const fs::path& p, const std::string& bytes) {
     out << bytes;
 }
 
-// Runs tests/workbook/libros.py with the arguments; returns its exit status, output in out.
-inline int Libros(const std::string& args, std::string* out = nullptr) {
-    const std::string cmd = std::string(CAUCE_PYTHON) + " " + CAUCE_LIBROS_PY + " " + args + " 2>&1";
+// Runs tests/workbook/workbooks.py with the arguments; returns its exit status, output in out.
+inline int Workbooks(const std::string& args, std::string* out = nullptr) {
+    const std::string cmd = std::string(CAUCE_PYTHON) + " " + CAUCE_WORKBOOKS_PY + " " + args + " 2>&1";
     FILE* p = ::popen(cmd.c_str(), "r");
     if (!p) return -1;
     std::string text;
@@ -68,6 +74,28 @@ inline GuionRun Guion(const std::string& script) {
     r.out = out.str();
     r.err = err.str();
     return r;
+}
+
+// The text of a record's cell, read back from the file.
+inline std::string CellOf(const fs::path& file, const std::string& sheet, int record,
+                          const std::string& column) {
+    return workbook::SheetRecords(workbook::Workbook::Open(file), sheet).Get(record, column);
+}
+
+// One part of the package, expanded ("" when it is not there).
+inline std::string Part(const fs::path& file, const std::string& part) {
+    int err = 0;
+    zip_t* z = zip_open(file.c_str(), ZIP_RDONLY, &err);
+    std::string text;
+    if (!z) return text;
+    if (zip_file_t* f = zip_fopen(z, part.c_str(), 0)) {
+        char buf[4096];
+        for (zip_int64_t n; (n = zip_fread(f, buf, sizeof buf)) > 0;)
+            text.append(buf, static_cast<std::size_t>(n));
+        zip_fclose(f);
+    }
+    zip_close(z);
+    return text;
 }
 
 // A scratch working folder whose data folder (CAUCE_DATOS) is its subfolder "datos".

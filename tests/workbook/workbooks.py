@@ -1,30 +1,30 @@
 #!/usr/bin/python3
 """Workbooks made and checked by an independent reader and writer (openpyxl, xlwt) for the tests.
 
-  libros.py crear RUTA                 a workbook with styles, formulas and extra sheets around a
-                                       sheet "Persecc" of three sections
-  libros.py crear-xls RUTA             the same records in a legacy .xls (xlwt)
-  libros.py xls-libreoffice RUTA CASO  a legacy .xls written by LibreOffice (headless soffice) from a
-                                       workbook of openpyxl: "grafico" (sheet Persecc with a chart),
-                                       "texto-largo" (a text of 20,000 characters), "formulas" (a
-                                       sheet of formulas with numeric and text results)
-  libros.py verificar ORIGINAL NUEVO CAMBIOS
-                                       NUEVO is ORIGINAL with exactly the changes listed in the JSON
-                                       file CAMBIOS ([{"hoja", "registro", "columna", "valor"}, ...]),
-                                       values, formulas, styles, widths, merges and names all else equal
-  libros.py leer RUTA HOJA             prints the sheet's rows as JSON
-  libros.py formulas RUTA HOJA         prints the sheet's formulas as JSON (shared ones expanded)
-  libros.py poner RUTA HOJA REGISTRO COLUMNA VALOR
-                                       sets one cell (VALOR in JSON; REGISTRO 0 is the header row)
-  libros.py hoja-vacia RUTA HOJA       adds an empty sheet
-  libros.py crear-bomba RUTA           a package whose sheet expands to 200 MB
-  libros.py crear-entidades RUTA CLASE the package of crear-xml with a document type declaring
-                                       entities: "risas" (nested expansion in xl/workbook.xml) or
-                                       "externa" (a file of the system in xl/sharedStrings.xml)
-  libros.py crear-xml RUTA [PREFIJO]   a package written part by part as Excel writes it: shared
-                                       strings with runs, inline strings, booleans, errors, formulas
-                                       with cached results, a shared formula, a calculation chain,
-                                       cells without references; PREFIJO "x" prefixes the elements
+  workbooks.py crear RUTA                 a workbook with styles, formulas and extra sheets around a
+                                          sheet "Persecc" of three sections
+  workbooks.py crear-xls RUTA             the same records in a legacy .xls (xlwt)
+  workbooks.py xls-libreoffice RUTA CASO  a legacy .xls written by LibreOffice (headless soffice) from a
+                                          workbook of openpyxl: "grafico" (sheet Persecc with a chart),
+                                          "texto-largo" (a text of 20,000 characters), "formulas" (a
+                                          sheet of formulas with numeric and text results)
+  workbooks.py verificar ORIGINAL NUEVO CAMBIOS
+                                          NUEVO is ORIGINAL with exactly the changes listed in the JSON
+                                          file CAMBIOS ([{"hoja", "registro", "columna", "valor"}, ...]),
+                                          values, formulas, styles, widths, merges and names all else equal
+  workbooks.py leer RUTA HOJA             prints the sheet's rows as JSON
+  workbooks.py formulas RUTA HOJA         prints the sheet's formulas as JSON (shared ones expanded)
+  workbooks.py poner RUTA HOJA REGISTRO COLUMNA VALOR
+                                          sets one cell (VALOR in JSON; REGISTRO 0 is the header row)
+  workbooks.py hoja-vacia RUTA HOJA       adds an empty sheet
+  workbooks.py crear-bomba RUTA           a package whose sheet expands to 200 MB
+  workbooks.py crear-entidades RUTA CLASE the package of crear-xml with a document type declaring
+                                          entities: "risas" (nested expansion in xl/workbook.xml) or
+                                          "externa" (a file of the system in xl/sharedStrings.xml)
+  workbooks.py crear-xml RUTA [PREFIJO]   a package written part by part as Excel writes it: shared
+                                          strings with runs, inline strings, booleans, errors, formulas
+                                          with cached results, a shared formula, a calculation chain,
+                                          cells without references; PREFIJO "x" prefixes the elements
 Prints what differs and exits 1 when a check fails.
 """
 import json
