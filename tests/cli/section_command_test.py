@@ -5,52 +5,33 @@ The outputs are read back with Python's csv and json readers, the written record
 through Form2 driven by "cauce guion" (what the screen reads from the boxes), and a refused write is
 checked to leave the workbook's bytes as they were.
 
-Environment: CAUCE (the program), CAUCE_EJEMPLOS (the bundled example workbooks).
+Environment: as cli_test.py (CAUCE, CAUCE_EJEMPLOS).
 """
 import csv
 import io
 import json
 import os
-import shutil
-import subprocess
-import tempfile
+import sys
 import unittest
 
 import openpyxl
 
-CAUCE = os.environ.get("CAUCE", "cauce")
-EXAMPLES = os.environ.get("CAUCE_EJEMPLOS", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
+sys.path.insert(0, os.path.dirname(__file__))
+from cli_test import Scratch  # noqa: E402
 
 # A bar in mid-channel: its stack is known exactly (two V's side by side up to the bar's crest).
 ISLOTE = "abscisa;cota\n0;105\n2;100\n4;103\n6;100\n8;105\n"
 ISLOTE_NIVELES = [(100, 0), (103, 6.4), (105, 8)]
 
 
-class Seccion(unittest.TestCase):
+class Seccion(Scratch):
     def setUp(self):
-        self.dir = tempfile.mkdtemp(prefix="cauce-seccion-")
-        shutil.copy(os.path.join(EXAMPLES, "Rios.xlsx"), self.path("Rios.xlsx"))
-        self.env = dict(os.environ, CAUCE_DATOS=self.path("datos"), LC_ALL="C.UTF-8")
+        super().setUp()
         self.write("islote.csv", ISLOTE)
-
-    def tearDown(self):
-        shutil.rmtree(self.dir, ignore_errors=True)
-
-    def path(self, name):
-        return os.path.join(self.dir, name)
 
     def write(self, name, text):
         with open(self.path(name), "w", encoding="utf-8") as f:
             f.write(text)
-
-    def run_cauce(self, *args, stdin=None):
-        return subprocess.run([CAUCE, *args], cwd=self.dir, env=self.env, input=stdin, capture_output=True,
-                              text=True, timeout=120)
-
-    def ok(self, *args, stdin=None):
-        r = self.run_cauce(*args, stdin=stdin)
-        self.assertEqual(r.returncode, 0, r.stderr)
-        return r.stdout
 
     def test_formats(self):
         j = json.loads(self.ok("seccion", "islote.csv", "--formato", "json"))

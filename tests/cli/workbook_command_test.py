@@ -164,24 +164,6 @@ class ProyectoTest(Scratch):
         self.assertEqual(rows(self.path("Rios.xlsx"), "Persecc"),
                          rows(os.path.join(os.environ.get("CAUCE_EJEMPLOS"), "Rios.xlsx"), "Persecc"))
 
-    def test_flow_columns(self):
-        if not WITH_GUI:
-            self.skipTest("sin la aplicación de escritorio")
-        self.ok("informe", "Rios.xlsx", "--y-inicial", "1.8", "-o", "a.pdf")
-        text = subprocess.run(["pdftotext", "-layout", self.path("a.pdf"), "-"], capture_output=True,
-                              text=True).stdout
-        table = {}
-        for l in text.splitlines():
-            cells = l.split()
-            if len(cells) == 9 and cells[2] in ("M1", "M2", "S1", "S2") and cells[0].isdigit():
-                table[int(cells[0])] = (cells[2], *(float(x) for x in cells[3:9]))
-        self.assertEqual(sorted(table), list(range(1, 13)))
-        self.assertEqual(table[12][1], 1.8)  # the depth typed at the last section
-        for section, (kind, y, zw, v, fr, e, sf) in table.items():
-            self.assertGreater(e, y, section)
-            self.assertGreater(sf, 0, section)
-            self.assertGreater(fr, 0, section)
-
 
 class SeparadorTest(Scratch):
     """cauce perfil --formato csv --separador ";" writes decimal commas that a Spanish spreadsheet reads."""
