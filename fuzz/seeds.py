@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Writes the seed corpora of the workbook fuzz targets (run once; the files are in the repository).
 
-  corpus/libro/      small valid workbooks: openpyxl's .xlsx, an .xlsx written part by part as Excel
-                     writes it (tests/workbook/libros.py crear-xml), a legacy .xls written by xlwt
-  corpus/libro_xml/  the XML parts of such workbooks as libro_xml_fuzz reads them: "@@ name" lines,
+  corpus/workbook/      small valid workbooks: openpyxl's .xlsx, an .xlsx written part by part as Excel
+                     writes it (tests/workbook/workbooks.py crear-xml), a legacy .xls written by xlwt
+  corpus/workbook_xml/  the XML parts of such workbooks as workbook_xml_fuzz reads them: "@@ name" lines,
                      each followed by the part's text (styles, themes and document properties left
                      out: the reader never opens them)
 """
@@ -17,7 +17,7 @@ import xlwt
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "workbook"))
-import libros  # noqa: E402
+import workbooks  # noqa: E402
 
 READ_PARTS = ("[Content_Types].xml", "_rels/.rels", "xl/workbook.xml", "xl/_rels/workbook.xml.rels",
               "xl/sharedStrings.xml", "xl/calcChain.xml")
@@ -38,7 +38,7 @@ def openpyxl_book():
 
 def excel_book(prefix=""):
     path = os.path.join(HERE, "corpus", "_tmp.xlsx")
-    libros.create_xml(path, prefix)
+    workbooks.create_xml(path, prefix)
     with open(path, "rb") as f:
         data = f.read()
     os.remove(path)
@@ -76,9 +76,9 @@ def write(folder, name, data):
 def main():
     books = {"openpyxl": openpyxl_book(), "excel": excel_book(), "excel_prefijo": excel_book("x")}
     for name, data in books.items():
-        write("libro", name + ".xlsx", data)
-        write("libro_xml", name, parts_text(data))
-    write("libro", "xlwt.xls", xls_book())
+        write("workbook", name + ".xlsx", data)
+        write("workbook_xml", name, parts_text(data))
+    write("workbook", "xlwt.xls", xls_book())
 
 
 if __name__ == "__main__":

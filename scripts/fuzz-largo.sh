@@ -12,7 +12,7 @@ cd "$(dirname "$0")/.."
 minutes=${1:-10}
 [ $# -gt 0 ] && shift
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(val_format guion pantallas levantamiento libro libro_xml xls_stream)
+[ ${#targets[@]} -gt 0 ] || targets=(val_format guion screens survey workbook workbook_xml xls_stream)
 build=${CAUCE_FUZZ_BUILD:-build-fuzz}
 
 CC=clang CXX=clang++ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCAUCE_GUI=OFF -DCAUCE_BENCH=OFF \
