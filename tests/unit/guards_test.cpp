@@ -5,10 +5,11 @@
 // and, for the profile, the gradually varied flow equation integrated by Runge-Kutta: never from the
 // program. The screens report the marches' fixed steps to two decimals, hence the tolerances.
 //
-// Guards the scripts in tests/guiones/ already drive are not repeated here: Form2's section 51, zero
-// slope and zero roughness (form2_faltas), Form1's zero roughness and negative slope under a bank
-// height (form1_trapecio_faltas), a profile through a section never computed (form2_perfil_faltas)
-// and a profile depth with no flow area (form3_faltas).
+// One guard of each kind of screen is met here; the guards themselves are tested where they live
+// (natural_test, prismatic_test, profiles_test), and those the scripts in tests/guiones/ drive are
+// not repeated: Form2's section 51, zero slope and zero roughness (form2_faltas), Form1's zero
+// roughness and negative slope under a bank height (form1_trapecio_faltas), a profile through a
+// section never computed (form2_perfil_faltas) and a profile depth with no flow area (form3_faltas).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -83,17 +84,13 @@ double BackwaterDepth(double b, double n, double s0, double q, double y0, double
 }
 
 // The channels of the cases. Natural: a rectangle 3 m wide and 3 m deep (levels 100 and 103), n 0.015,
-// S0 0.001, Q 6 m3/s in the banks or 30 m3/s over them into a flood zone 20 m wide (nz 0.04).
-// Prismatic: a trapezoid b 2 m, z 1, banks 1 m high, the same n and S0.
+// S0 0.001, Q 30 m3/s over the banks into a flood zone 20 m wide (nz 0.04). Prismatic: a trapezoid
+// b 2 m, z 1, the same n and S0.
 constexpr double kN = 0.015, kS = 0.001, kNz = 0.04;
-const double kRectYn = NormalDepth(3, 0, kN, kS, 6);  // 1.2314
-const double kRectYc = CriticalDepth(3, 0, 6);        // 0.7415
-const double kRectFull = Manning(9, 9, kN, kS);       // 18.974, the rectangle full to 3 m
+const double kRectFull = Manning(9, 9, kN, kS);  // 18.974, the rectangle full to 3 m
 const double kRectHz = OverBankHeight(9, 9, 3, 20, kN, kNz, kS, 30);
-const double kTrapYn = NormalDepth(2, 1, kN, kS, 2);  // 0.6273
-const double kTrapYc = CriticalDepth(2, 1, 2);        // 0.4329
-const double kTrapPb = 2 + 2 * std::sqrt(2.0);
-const double kTrapD = OverBankHeight(3, kTrapPb, 4, 20, kN, kNz, kS, 10);
+const double kTrapYn = NormalDepth(2, 1, kN, kS, 2);               // 0.6273
+const double kTrapYc = CriticalDepth(2, 1, 2);                     // 0.4329
 const double kBackwater = BackwaterDepth(3, kN, kS, 6, 2.0, 100);  // 1.925
 
 // ---- Cases ---------------------------------------------------------------------------------------
@@ -184,45 +181,7 @@ const std::vector<Guard>& Cases() {
           {form5::box::Area, 9 + kRectHz * (3 + kRectHz) + 17 * kRectHz, 0.005 + 0.002 * 21},
           {form5::box::TopWidth, 20 + 2 * kRectHz, 0.005 + 0.004}},
          {}},
-        // Zero roughness: Form4 divides by it while building the tables (Form3 refuses it first:
-        // form3_perfil).
-        {"ZeroRoughnessForm4",
-         "Form4",
-         Join({{Put(profile::box::SectionCount, "3"), Put(profile::box::SectionNumber, "1")},
-               Rectangle(profile::box::Roughness, profile::box::Slope, profile::box::Discharge, "6"),
-               {Put(profile::box::Roughness, "0")}}),
-         profile::button::Section,
-         "División por cero",
-         {},
-         {Put(profile::box::Roughness, "0.015"), Press(profile::button::Section)},
-         {{profile::box::NormalDepth, kRectYn, 0.007}, {profile::box::CriticalDepth, kRectYc, 0.007}},
-         {{profile::label::Message, ""}}},
         // A discharge no channel carries.
-        {"HugeDischargeOverTheBanksForm5",
-         "Form5",
-         Join({{Put(form5::box::SectionNumber, "1"), Put(form5::box::FloodWidth, "20"),
-                Put(form5::box::FloodRoughness, "0.04")},
-               Rectangle(form5::box::Roughness, form5::box::Slope, form5::box::Discharge, "1e30")}),
-         form5::button::Section,
-         "La profundidad sobre las orillas no se alcanza: el cálculo no termina (revise la Pendiente y las "
-         "rugosidades)",
-         {{form5::box::NormalDepth, ""}},
-         {Put(form5::box::Discharge, "30"), Press(form5::button::Section)},
-         {{form5::box::NormalDepth, 3 + kRectHz, 0.007}},
-         {}},
-        {"HugeDischargeOverTheBanksForm1",
-         "Form1",
-         {Press(form1::button::Trapezoidal), Put(form1::box::Roughness, "0.015"),
-          Put(form1::box::Slope, "0.001"), Put(form1::box::Base, "2"), Put(form1::box::SideSlope, "1"),
-          Put(form1::box::BankHeight, "1"), Put(form1::box::FloodWidth, "20"),
-          Put(form1::box::FloodRoughness, "0.04"), Put(form1::box::Discharge, "1e30")},
-         form1::button::NormalDepth,
-         "La profundidad sobre las orillas no se alcanza: el cálculo no termina (revise las rugosidades, la "
-         "Pendiente y el Caudal)",
-         {{form1::box::NormalDepth, ""}},
-         {Put(form1::box::Discharge, "10"), Press(form1::button::NormalDepth)},
-         {{form1::box::NormalDepth, 1 + kTrapD, 0.0075}},
-         {}},
         {"HugeDischargeWithoutBanksForm1",
          "Form1",
          {Press(form1::button::Trapezoidal), Put(form1::box::Roughness, "0.015"),

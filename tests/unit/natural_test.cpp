@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -227,6 +228,22 @@ TEST(NaturalFloodZone, DepthOverTheBanksMatchesABisection) {
         1e-6, 5.0);
     EXPECT_NEAR(st.hz, GridAbove(hz, 0.002), 1e-9);
     EXPECT_FALSE(st.NoFloodZone(1));
+}
+
+TEST(NaturalFloodZone, ADischargeNoDepthOverTheBanksCarriesIsAFault) {
+    State st = Section(1, {{100, 2}, {101, 2}}, 0.015, 0.001);
+    st.Q(1) = 1e30;
+    st.B = 10;
+    st.nz = 0.04;
+    for (const bool literal : {false, true}) {
+        st.literal = literal;
+        try {
+            st.Qdesbord(1);
+            ADD_FAILURE() << "no fault";
+        } catch (const Fault& f) {
+            EXPECT_NE(std::string(f.what()).find("el cálculo no termina"), std::string::npos) << f.what();
+        }
+    }
 }
 
 TEST(NaturalFloodZone, CriticalDepthCases) {

@@ -274,6 +274,15 @@ TEST(ProfileGuards, FaultsInsteadOfCrashesOrHangs) {
              pf::Perfilm(st, 2);
          },
          cauce::msg::kDivisionPorCero},
+        {"endless march: a depth so large that 5 mm no longer changes it",
+         [](State& st) {
+             pf::RunPolicy small;
+             small.step_budget = 1000;
+             st.Ysec(2) = st.Y = 1e17;
+             st.L(2) = 100;
+             pf::Perfilm(st, 2, small);
+         },
+         pf::kEndlessMarch},
         {"a section never computed (no levels)",
          [](State& st) {
              st.N = 3;
