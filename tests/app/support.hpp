@@ -13,8 +13,10 @@
 #include <utility>
 #include <vector>
 
+#include "app/desktop.hpp"
 #include "app/dialogs.hpp"
 #include "app/screen_view.hpp"
+#include "app/screen_window.hpp"
 #include "forms/binding.hpp"
 
 namespace cauce::apptest {
@@ -74,6 +76,13 @@ class RecordingPrompter : public app::Prompter {
     bool answer = false;
     QString path;
     QString text;  // the answer to Text ("" cancels)
+};
+
+// The desktop over the in-memory "rios.xlsx", its messages recorded, with Form2 open.
+struct OnRios {
+    RecordingPrompter prompter;
+    app::Desktop desktop{prompter, [](std::string_view) { return std::string("rios.xlsx"); }};
+    app::ScreenWindow* w = desktop.Open("Form2");
 };
 
 // The level table, roughness, slope and discharge of one Form2 section, as a row of its sheet.

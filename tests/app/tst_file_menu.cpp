@@ -121,8 +121,8 @@ class FileMenu : public QObject {
     }
 
     // The report of a reach needs the depth typed; with it, a PDF whose project data come from the
-    // workbook. Form1 gets the one-page report of its case.
-    void reportOfReachAndOfCase() {
+    // workbook. Form1 gets the one-page report of its case. A table exported as CSV.
+    void reportsAndExport() {
         QTemporaryDir dir;
         const QString book = dir.filePath(QStringLiteral("Rios.xlsx"));
         QVERIFY(QFile::copy(QStringLiteral(CAUCE_EXAMPLES_DIR "/Rios.xlsx"), book));
@@ -148,17 +148,8 @@ class FileMenu : public QObject {
         QVERIFY(Read(one).startsWith("%PDF"));
         QCOMPARE(prompter.faults.size(), 1);
         QVERIFY(!app::GuideText().isEmpty() && app::GuideText().contains(QStringLiteral("Abscisa9")));
-        QVERIFY(desktop.Exit());
-    }
 
-    // The level table as CSV: ";" with decimal commas, or "," with points; empty rows are left out.
-    void exportLevelTable() {
-        QTemporaryDir dir;
-        const QString book = dir.filePath(QStringLiteral("Rios.xlsx"));
-        QVERIFY(QFile::copy(QStringLiteral(CAUCE_EXAMPLES_DIR "/Rios.xlsx"), book));
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [&](std::string_view) { return book.toStdString(); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        // The level table as CSV: ";" with decimal commas, or "," with points; empty rows are left out.
         const QStringList names = w->Files()->TableNames();
         QVERIFY(names.contains(QStringLiteral("Tabla de niveles")));
         QVERIFY(names.contains(QStringLiteral("Tabla del perfil")));

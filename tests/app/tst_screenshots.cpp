@@ -15,7 +15,6 @@
 #include "app/screen_window.hpp"
 #include "forms/val.hpp"
 #include "screens/form1.hpp"
-#include "screens/form3.hpp"
 #include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 #include "support.hpp"
@@ -27,7 +26,6 @@
 using namespace cauce;
 using namespace cauce::apptest;
 namespace form1 = cauce::screens::form1;
-namespace form3 = cauce::screens::form3;
 namespace profile = cauce::screens::profile;
 
 namespace {

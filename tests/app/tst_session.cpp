@@ -121,9 +121,8 @@ class Session : public QObject {
     // A number read only in part (from a workbook) or not a number at all refuses the click: the box
     // is outlined, nothing is computed, and the message says what would have been read.
     void partialNumbersAreRefused() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         Books()["rios.xlsx"]->rows[0]["Caudal"] = "2,5x";
         Books()["rios.xlsx"]->rows[0]["z3"] = "abc";
         QTest::mouseClick(w->View()->DataNavigator()->Next(), Qt::LeftButton);
@@ -152,9 +151,8 @@ class Session : public QObject {
     // Results computed before an edit are drawn dimmed and described as out of date until their
     // own button computes again; the plot follows the profile table; another record's edit counts.
     void resultsDimAfterAnEdit() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         app::ScreenView* view = w->View();
         ComputeByHand(view);
         QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
@@ -188,9 +186,8 @@ class Session : public QObject {
 
     // "Perfiles" before the other sections were computed says which, and does not run.
     void profileBeforeEverySection() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         app::ScreenView* view = w->View();
         QTest::mouseClick(view->DataNavigator()->Last(), Qt::LeftButton);
         Press(view, "Command2");
@@ -212,9 +209,8 @@ class Session : public QObject {
     // "Calcular el tramo" by F5 gives what the screen gives by hand; "Reiniciar la pantalla" brings
     // back the opening state on the same record; rows past the reach's sections show blank.
     void computeAndReset() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         ComputeByHand(w->View());
         QStringList by_hand;
         for (int j = 63; j <= 65; ++j)
@@ -246,9 +242,8 @@ class Session : public QObject {
 
     // A section table whose levels do not rise outlines the level and dims the section's results.
     void tableErrorOutlinesTheLevel() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         app::ScreenView* view = w->View();
         Type(view, "Text3", "99");  // z2 below z1
         Press(view, "Command2");
@@ -314,9 +309,8 @@ class Session : public QObject {
 
     // At 1366x768 the window with its plot stays within the available area.
     void fitsTheScreen() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         w->resize(1300, 700);
         ComputeByHand(w->View());
         QVERIFY(w->Chart()->isVisible());

@@ -76,9 +76,8 @@ class SurveySection : public QObject {
         for (int k = 1; k <= 2; ++k)
             rows.push_back(SectionRow(k, 2, {{90, 2}, {91, 3}, {92, 9}, {93, 12}}, 0.03, 0.001, 5));
         Books()["rios.xlsx"] = MakeSheet(Form2Columns(), rows);
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         QAction* action =
             MenuAction(w, QStringLiteral("Edición"), QStringLiteral("Sección desde puntos topográficos..."));
         QVERIFY(action);

@@ -68,9 +68,8 @@ class Windows : public QObject {
 
     // The navigator moves through the records; an edit is saved into the record it leaves.
     void navigatorMovesAndSaves() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         app::ScreenView* view = w->View();
         app::Navigator* nav = view->DataNavigator();
         Click(nav->Next());
@@ -94,9 +93,8 @@ class Windows : public QObject {
 
     // A save that fails on a move: the message, and the screen stays on its record.
     void failedSaveOnMoveIsReported() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         Books()["rios.xlsx"]->fail_save = "No se puede guardar el libro: el disco está lleno";
         Type(w->View(), profile::box::Discharge, "9");
         Click(w->View()->DataNavigator()->Next());
@@ -122,9 +120,8 @@ class Windows : public QObject {
 
     // "Abrir libro...": the workbook chosen; one that cannot be opened leaves the screen as it was.
     void openAnotherWorkbook() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         auto other = ThreeSectionReach();
         other->rows.resize(2);
         Books()["otro.xls"] = other;
@@ -199,9 +196,8 @@ class Windows : public QObject {
 
     // Closing one window saves its record too.
     void closingAWindowSaves() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         Type(w->View(), profile::box::FloodRoughness, "0.05");
         QVERIFY(w->close());
         QCOMPARE(Books()["rios.xlsx"]->rows[0]["Rugosidad Zi"], std::string("0.05"));
@@ -211,9 +207,8 @@ class Windows : public QObject {
     // After "Perfiles" the plot appears beside the table and shows what the table shows, with the
     // standard-step profile beside it.
     void profilePlotAfterPerfiles() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string("rios.xlsx"); });
-        app::ScreenWindow* w = desktop.Open("Form2");
+        OnRios on;
+        auto& [prompter, desktop, w] = on;
         QVERIFY(QTest::qWaitForWindowExposed(w));
         app::ScreenView* view = w->View();
         for (int k = 0; k < 3; ++k) {

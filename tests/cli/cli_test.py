@@ -129,10 +129,7 @@ class PasoEstandarTest(Scratch):
         reach = self.both("Rios.xlsx", "--y-inicial", "2.2")
         est = self.standard(reach)
         self.assertEqual(sorted(est), list(range(1, 13)))
-        for e in est.values():
-            self.assertEqual(set(e) - {"ysoc"}, {"y", "z_agua", "z_energia", "v", "froude", "sf", "regimen", "yc",
-                                                 "diferencia"})
-            self.assertAlmostEqual(e["z_agua"] - e["y"], e["z_energia"] - e["y"] - (e["z_energia"] - e["z_agua"]))
+        self.assertTrue(all(e["z_energia"] > e["z_agua"] for e in est.values()))
         self.assertEqual([est[k]["regimen"] for k in (5, 6, 7)], ["supercrítico"] * 3)
         self.assertEqual(est[12]["y"], 2.2)
         self.assertTrue(580 < reach["resalto"]["abscisa"] < 660)
