@@ -15,8 +15,7 @@
 using cauce::Fault;
 using cauce::natural::State;
 using cauce::natural::TableError;
-using cauce::test::Bisect;
-using cauce::test::Manning;
+using namespace cauce::test;
 
 namespace {
 

@@ -15,8 +15,7 @@ using cauce::Fault;
 using cauce::prismatic::ConduitFigure;
 using cauce::prismatic::FloodStatus;
 using cauce::prismatic::State;
-using cauce::test::Bisect;
-using cauce::test::Manning;
+using namespace cauce::test;
 
 namespace {
 
