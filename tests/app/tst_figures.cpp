@@ -85,15 +85,6 @@ class Figures : public QObject {
             images.push_back(image);
         }
         QCOMPARE(Count(Draw(Figure::None), Qt::white, 6), 200 * 140);
-        const QByteArray dir = qgetenv("CAUCE_CAPTURAS");
-        if (!dir.isEmpty()) {
-            QImage sheet(5 * 200, 3 * 140, QImage::Format_ARGB32);
-            sheet.fill(Qt::white);
-            QPainter p(&sheet);
-            for (std::size_t k = 0; k < images.size(); ++k)
-                p.drawImage(QPoint(int(k % 5) * 200, int(k / 5) * 140), images[k]);
-            sheet.save(QString::fromLocal8Bit(dir) + "/figuras.png");
-        }
     }
 
     // The conduit figures fill more of the pipe as the depth grows.

@@ -16,7 +16,6 @@
 #include "forms/val.hpp"
 #include "screens/form1.hpp"
 #include "screens/profile_screen.hpp"
-#include "screens/registry.hpp"
 #include "support.hpp"
 #ifdef CAUCE_WITH_WORKBOOK
 #include "workbook/data_folder.hpp"
@@ -119,33 +118,6 @@ class Screenshots : public QObject {
         const QImage shot = w->grab().toImage();
         QVERIFY(Colours(shot) > 40);
         Save(shot, "form1.png");
-        desktop.Exit();
-    }
-
-    // Every screen as it opens on its example workbook.
-    void everyScreenOpens_data() {
-        QTest::addColumn<QString>("screen");
-        for (std::string_view name : screens::ScreenNames())
-            QTest::newRow(std::string(name).c_str()) << QString::fromUtf8(name.data(), int(name.size()));
-    }
-    void everyScreenOpens() {
-        QFETCH(QString, screen);
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view s) {
-#ifdef CAUCE_WITH_WORKBOOK
-            return workbook::DefaultWorkbook(s);
-#else
-            (void)s;
-            return std::string();
-#endif
-        });
-        app::ScreenWindow* w = desktop.Open(screen.toStdString());
-        QVERIFY(w);
-        QVERIFY(QTest::qWaitForWindowExposed(w));
-        QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
-        const QImage shot = w->grab().toImage();
-        QVERIFY(Colours(shot) > 20);
-        Save(shot, QStringLiteral("pantalla_%1.png").arg(screen));
         desktop.Exit();
     }
 
