@@ -31,20 +31,28 @@ double Lerp(double a, double b, double f) {
            depth, with widths, top depth, bed, roughness, discharge, slope and flood zone
            interpolated linearly.
    Purpose: the short steps of the standard-step march between surveyed sections. */
-Section Interpolate(const Section& a, const Section& b, double f) {
-    std::vector<double> rel;
-    for (double y : a.y) rel.push_back(y / a.top());
-    for (double y : b.y) rel.push_back(y / b.top());
-    std::sort(rel.begin(), rel.end());
-    rel.erase(std::unique(rel.begin(), rel.end(), [](double p, double q) { return q - p < 1e-12; }),
-              rel.end());
+Section Interpolate(const Section& a, const Section& b, double f, std::pmr::memory_resource* arena) {
+    // Both sections' relative levels, merged in order, those closer than 1e-12 taken once.
+    thread_local std::vector<double> rel;
+    rel.clear();
+    rel.reserve(a.y.size() + b.y.size());
+    const double ta = a.top(), tb = b.top();
+    std::size_t i = 0, j = 0;
+    while (i < a.y.size() || j < b.y.size()) {
+        const double ra = i < a.y.size() ? a.y[i] / ta : 2.0, rb = j < b.y.size() ? b.y[j] / tb : 2.0;
+        const double r = std::min(ra, rb);
+        (ra <= rb ? i : j)++;
+        if (rel.empty() || r - rel.back() >= 1e-12) rel.push_back(r);
+    }
     rel.front() = 0.0;
     rel.back() = 1.0;
 
-    Section s;
+    Section s(arena);
     s.x = Lerp(a.x, b.x, f);
     s.z_bed = Lerp(a.z_bed, b.z_bed, f);
     const double top = Lerp(a.top(), b.top(), f);
+    s.y.reserve(rel.size());
+    s.t.reserve(rel.size());
     for (double r : rel) {
         s.y.push_back(r * top);
         s.t.push_back(Lerp(WidthAt(a, r), WidthAt(b, r), f));
