@@ -11,6 +11,7 @@
 #include <QSaveFile>
 #include <QWidget>
 
+#include "app/report/report_standard.hpp"
 #include "hydraulics/fault.hpp"
 #include "workbook/properties.hpp"
 
@@ -111,7 +112,7 @@ void MethodsSection(ReportPages& pages, bool scour) {
     }
 }
 
-void InputSection(ReportPages& pages, const reach::ReachResult& r) {
+void InputSection(ReportPages& pages, const reach::ReachResult& r, int sketches) {
     std::vector<QString> head{
         QStringLiteral("Sección"), QStringLiteral("Registro"), QStringLiteral("Z fondo m"),
         QStringLiteral("Niveles"), QStringLiteral("n"),        QStringLiteral("S0"),
@@ -145,10 +146,10 @@ void InputSection(ReportPages& pages, const reach::ReachResult& r) {
                8.5);
     pages.Skip(2);
     pages.Table(head, rows, weights);
-    pages.Text(
-        QStringLiteral("Los niveles de cada sección (cota Z y ancho T) se listan junto a su dibujo, en el "
-                       "apartado 6."),
-        8);
+    pages.Text(QStringLiteral("Los niveles de cada sección (cota Z y ancho T) se listan junto a su dibujo, en "
+                              "el apartado %1.")
+                   .arg(sketches),
+               8);
 }
 
 void ResultSection(ReportPages& pages, const reach::ReachResult& r) {
@@ -222,6 +223,8 @@ void PlotSection(ReportPages& pages, const ReachCapture& c, int number) {
     chart.resize(900, 460);
     chart.show();
     chart.Show(c.profile);
+    const bool standard = c.standard && c.standard->result.Ok() && !c.standard->result.line.empty();
+    if (standard) AddStandardLines(chart.chart(), c.standard->result);
     QCoreApplication::processEvents();
     pages.Need(h + 10 * pages.Mm());  // the plot and its caption on one page
     const QRectF box = pages.Block(h);
@@ -230,10 +233,15 @@ void PlotSection(ReportPages& pages, const ReachCapture& c, int number) {
     chart.render(&p, box, chart.viewport()->rect());
     p.restore();
     pages.Skip(2);
-    pages.Text(QStringLiteral(
-                   "Fondo, superficie del agua y profundidad crítica contra la abscisa; sobre cada punto, "
-                   "la sección y su tipo de perfil."),
-               8);
+    QString caption = QStringLiteral(
+        "Fondo, superficie del agua y profundidad crítica contra la abscisa; sobre cada punto, la sección y su "
+        "tipo de perfil.");
+    if (standard) {
+        caption += QStringLiteral(" Con trazos y puntos, el agua del paso estándar; punteada, su línea de energía");
+        caption += c.standard->result.jump ? QStringLiteral("; el triángulo marca el resalto hidráulico.")
+                                           : QStringLiteral(".");
+    }
+    pages.Text(caption, 8);
 }
 
 void SketchSection(ReportPages& pages, const reach::ReachResult& r, const ReachCapture& c, int number) {
@@ -334,12 +342,14 @@ std::string ComposeReach(QPagedPaintDevice& device, int total, int& laid, const 
                        "(\"0.00\", \"0.000\"); Froude con dos decimales; Sf con seis."),
         8.5, false, kNote);
 
+    int number = 5;
+    const int sketches = c.standard ? 7 : 6;
     MethodsSection(pages, r.kind->scour);
-    InputSection(pages, r);
+    InputSection(pages, r, sketches);
     ResultSection(pages, r);
     ProfileSection(pages, r);
+    if (c.standard) StandardStepSection(pages, r, *c.standard, number++);
     for (const auto& extra : Extras()) extra(pages, r);
-    int number = 5;
     if (!r.notices.empty()) {
         pages.Heading(QStringLiteral("Avisos"), 10 * pages.Mm());
         for (const auto& n : r.notices) pages.Text(QStringLiteral("• ") + Q(n), 8.5);
@@ -448,6 +458,7 @@ reach::SectionObserver Capture(ReachCapture& capture) {
             capture.sketches.push_back(SketchOf(screen));
         } else {
             capture.profile = ProfileOf(screen);
+            capture.standard = StandardProfileOf(screen);
         }
     };
 }
