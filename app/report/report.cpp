@@ -146,10 +146,10 @@ void InputSection(ReportPages& pages, const reach::ReachResult& r, int sketches)
                8.5);
     pages.Skip(2);
     pages.Table(head, rows, weights);
-    pages.Text(QStringLiteral("Los niveles de cada sección (cota Z y ancho T) se listan junto a su dibujo, en "
-                              "el apartado %1.")
-                   .arg(sketches),
-               8);
+    const QString levels = QStringLiteral(
+        "Los niveles de cada sección (cota Z y ancho T) se listan junto a su "
+        "dibujo, en el apartado %1.");
+    pages.Text(levels.arg(sketches), 8);
 }
 
 void ResultSection(ReportPages& pages, const reach::ReachResult& r) {
@@ -234,10 +234,10 @@ void PlotSection(ReportPages& pages, const ReachCapture& c, int number) {
     p.restore();
     pages.Skip(2);
     QString caption = QStringLiteral(
-        "Fondo, superficie del agua y profundidad crítica contra la abscisa; sobre cada punto, la sección y su "
-        "tipo de perfil.");
+        "Fondo, superficie del agua y profundidad crítica contra la abscisa; sobre "
+        "cada punto, la sección y su tipo de perfil.");
     if (standard) {
-        caption += QStringLiteral(" Con trazos y puntos, el agua del paso estándar; punteada, su línea de energía");
+        caption += QStringLiteral(" Con trazos y puntos, el agua del paso estándar; punteada, su energía");
         caption += c.standard->result.jump ? QStringLiteral("; el triángulo marca el resalto hidráulico.")
                                            : QStringLiteral(".");
     }

@@ -38,12 +38,12 @@ void StandardStepSection(ReportPages& pages, const reach::ReachResult& r, const 
     pages.Heading(QStringLiteral("%1. Perfil por paso estándar y avisos").arg(number),
                   pages.TableStart(rows.size()) + 24 * pages.Mm());
     pages.Text(
-        QStringLiteral(
-            "Comprobación moderna junto al perfil de la pantalla, que no cambia: paso estándar con la geometría "
-            "propia de cada sección y secciones interpoladas entre ellas, pérdidas por fricción (conductividad "
-            "media), contracción y expansión, régimen mixto (pasada subcrítica desde aguas abajo, supercrítica "
-            "desde aguas arriba) y resalto hidráulico por fuerza específica. Diferencia: cota del paso estándar "
-            "menos la de la pantalla."),
+        QStringLiteral("Comprobación moderna junto al perfil de la pantalla, que no cambia: paso estándar "
+                       "con la geometría propia de cada sección y secciones interpoladas entre ellas, "
+                       "pérdidas por fricción (conductividad media), contracción y expansión, régimen "
+                       "mixto (pasada subcrítica desde aguas abajo, supercrítica desde aguas arriba) y "
+                       "resalto hidráulico por fuerza específica. Diferencia: cota del paso estándar "
+                       "menos la de la pantalla."),
         8.5);
     pages.Skip(2);
     std::vector<QString> bullets;

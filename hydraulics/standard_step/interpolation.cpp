@@ -10,10 +10,11 @@ void BuildTables(Section& s);  // geometry.cpp
 
 namespace {
 
-// Width of section s at the relative depth r (0 at the bed, 1 at the top level).
-double WidthAt(const Section& s, double r) {
+// Width of section s at the relative depth r (0 at the bed, 1 at the top level). j is the band the
+// search starts from and is left at the band found: the relative depths asked for rise, so each
+// section's levels are walked once.
+double WidthAt(const Section& s, double r, std::size_t& j) {
     const double y = r * s.top();
-    std::size_t j = 1;
     while (j < s.y.size() - 1 && y > s.y[j]) ++j;
     const double f = (y - s.y[j - 1]) / (s.y[j] - s.y[j - 1]);
     return s.t[j - 1] + f * (s.t[j] - s.t[j - 1]);
@@ -53,9 +54,10 @@ Section Interpolate(const Section& a, const Section& b, double f, std::pmr::memo
     const double top = Lerp(a.top(), b.top(), f);
     s.y.reserve(rel.size());
     s.t.reserve(rel.size());
+    std::size_t ja = 1, jb = 1;
     for (double r : rel) {
         s.y.push_back(r * top);
-        s.t.push_back(Lerp(WidthAt(a, r), WidthAt(b, r), f));
+        s.t.push_back(Lerp(WidthAt(a, r, ja), WidthAt(b, r, jb), f));
     }
     s.n = Lerp(a.n, b.n, f);
     s.q = Lerp(a.q, b.q, f);

@@ -1,8 +1,8 @@
 // The computed sections of a standard-step reach and what is evaluated on them.
 #pragma once
 
-#include <string>
 #include <memory_resource>
+#include <string>
 #include <vector>
 
 #include "hydraulics/standard_step/reach.hpp"
