@@ -105,6 +105,9 @@ double CriticalDepth(const Section& s) {
         std::size_t best = 0;
         double least = Energy(s, grid[0]);
         for (std::size_t i = 1; i < grid.size(); ++i) {
+            // E = y + alpha V^2 / 2g is never below y: no depth above the least energy found can
+            // lower it, and the scan stops there.
+            if (grid[i] >= least) break;
             const double e = Energy(s, grid[i]);
             if (e < least) {
                 least = e;
