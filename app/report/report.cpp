@@ -33,11 +33,6 @@ constexpr const char* kCliente = "Cliente";
 constexpr const char* kAutor = "Autor";
 constexpr const char* kReviso = "Revisó";
 
-std::vector<ExtraSection>& Extras() {
-    static std::vector<ExtraSection> extras;
-    return extras;
-}
-
 void Layout(QPdfWriter& writer) {
     writer.setResolution(300);
     writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
@@ -349,7 +344,6 @@ std::string ComposeReach(QPagedPaintDevice& device, int total, int& laid, const 
     ResultSection(pages, r);
     ProfileSection(pages, r);
     if (c.standard) StandardStepSection(pages, r, *c.standard, number++);
-    for (const auto& extra : Extras()) extra(pages, r);
     if (!r.notices.empty()) {
         pages.Heading(QStringLiteral("Avisos"), 10 * pages.Mm());
         for (const auto& n : r.notices) pages.Text(QStringLiteral("• ") + Q(n), 8.5);
@@ -461,10 +455,6 @@ reach::SectionObserver Capture(ReachCapture& capture) {
             capture.standard = StandardProfileOf(screen);
         }
     };
-}
-
-void AddReportSection(ExtraSection section) {
-    Extras().push_back(std::move(section));
 }
 
 std::string ComposeReachReport(QPagedPaintDevice& device, const reach::ReachResult& r, const ReachCapture& c,

@@ -44,11 +44,6 @@ struct ReachCapture {
 // The observer for reach::RunReach that fills the capture.
 reach::SectionObserver Capture(ReachCapture& capture);
 
-// Sections that other features add after the profile table (a numbered heading and their own
-// tables), in the order they were registered.
-using ExtraSection = std::function<void(ReportPages& pages, const reach::ReachResult& result)>;
-void AddReportSection(ExtraSection section);
-
 // Lays the report down the device's pages (a QPdfWriter or a QPrinter). Returns "" when done, else
 // the Spanish reason.
 std::string ComposeReachReport(QPagedPaintDevice& device, const reach::ReachResult& r, const ReachCapture& c,
