@@ -1,5 +1,6 @@
 // cauce informe with the desktop built: the reach run as "cauce perfil" runs it, then the report the
-// desktop writes (app/report), drawn on Qt's offscreen platform.
+// desktop writes (app/report, with the standard step beside the screen's profile), drawn on Qt's
+// offscreen platform.
 #include <QApplication>
 #include <iostream>
 
@@ -8,35 +9,11 @@
 #include "cli/graphics.hpp"
 #include "cli/offscreen.hpp"
 #include "cli/progress.hpp"
-#include "cli/report_standard.hpp"
 #include "hydraulics/fault.hpp"
 
 namespace cauce::cli {
 
 using namespace reach;
-
-namespace {
-
-// The standard step's table and the warnings about the screen's profile (report_standard.cpp), after
-// the screen's profile table.
-void StandardSection(app::ReportPages& pages, const ReachResult& r) {
-    const auto part = StandardReportPart(r);
-    if (!part) return;
-    auto texts = [](const std::vector<std::string>& cells) {
-        std::vector<QString> out;
-        for (const auto& c : cells) out.push_back(QString::fromStdString(c));
-        return out;
-    };
-    std::vector<std::vector<QString>> rows;
-    for (const auto& row : part->rows) rows.push_back(texts(row));
-    pages.Heading(QString::fromStdString(part->heading), pages.TableStart(rows.size()) + 24 * pages.Mm());
-    pages.Text(QString::fromStdString(part->intro), 8.5);
-    pages.Skip(2);
-    if (!part->head.empty()) pages.Table(texts(part->head), rows, part->weights);
-    for (const auto& b : part->bullets) pages.Text(QStringLiteral("• ") + QString::fromStdString(b), 8.5);
-}
-
-}  // namespace
 
 int WriteReport(const std::string& book, const ReachOptions& options, const ProjectOptions& given,
                 const std::string& output) {
@@ -44,15 +21,7 @@ int WriteReport(const std::string& book, const ReachOptions& options, const Proj
     Progress progress("informe", 3);
     progress.Step(1, "cálculo del tramo");
     app::ReachCapture captured;
-    const SectionObserver capture = app::Capture(captured);
-    ReachResult standard;
-    ReachResult r = RunReach(book, options, [&](const forms::Screen& screen, const SectionResult* section) {
-        capture(screen, section);
-        if (!section) AddStandard(screen, options, {}, std::nullopt, standard);
-    });
-    r.standard = standard.standard;
-    r.legacy_warnings = standard.legacy_warnings;
-    app::AddReportSection(StandardSection);
+    const ReachResult r = RunReach(book, options, app::Capture(captured));
     if (!r.Ok()) {
         progress.Clear();
         std::cerr << "cauce informe: " << book << ": " << r.error << "\n";

@@ -11,6 +11,7 @@
 #include <QSaveFile>
 #include <QWidget>
 
+#include "app/report/report_standard.hpp"
 #include "hydraulics/fault.hpp"
 #include "workbook/properties.hpp"
 
@@ -31,11 +32,6 @@ constexpr const char* kProyecto = "Proyecto";
 constexpr const char* kCliente = "Cliente";
 constexpr const char* kAutor = "Autor";
 constexpr const char* kReviso = "Revisó";
-
-std::vector<ExtraSection>& Extras() {
-    static std::vector<ExtraSection> extras;
-    return extras;
-}
 
 void Layout(QPdfWriter& writer) {
     writer.setResolution(300);
@@ -111,7 +107,7 @@ void MethodsSection(ReportPages& pages, bool scour) {
     }
 }
 
-void InputSection(ReportPages& pages, const reach::ReachResult& r) {
+void InputSection(ReportPages& pages, const reach::ReachResult& r, int sketches) {
     std::vector<QString> head{
         QStringLiteral("Sección"), QStringLiteral("Registro"), QStringLiteral("Z fondo m"),
         QStringLiteral("Niveles"), QStringLiteral("n"),        QStringLiteral("S0"),
@@ -145,10 +141,10 @@ void InputSection(ReportPages& pages, const reach::ReachResult& r) {
                8.5);
     pages.Skip(2);
     pages.Table(head, rows, weights);
-    pages.Text(
-        QStringLiteral("Los niveles de cada sección (cota Z y ancho T) se listan junto a su dibujo, en el "
-                       "apartado 6."),
-        8);
+    const QString levels = QStringLiteral(
+        "Los niveles de cada sección (cota Z y ancho T) se listan junto a su "
+        "dibujo, en el apartado %1.");
+    pages.Text(levels.arg(sketches), 8);
 }
 
 void ResultSection(ReportPages& pages, const reach::ReachResult& r) {
@@ -222,6 +218,8 @@ void PlotSection(ReportPages& pages, const ReachCapture& c, int number) {
     chart.resize(900, 460);
     chart.show();
     chart.Show(c.profile);
+    const bool standard = c.standard && c.standard->result.Ok() && !c.standard->result.line.empty();
+    if (standard) AddStandardLines(chart.chart(), c.standard->result);
     QCoreApplication::processEvents();
     pages.Need(h + 10 * pages.Mm());  // the plot and its caption on one page
     const QRectF box = pages.Block(h);
@@ -230,10 +228,15 @@ void PlotSection(ReportPages& pages, const ReachCapture& c, int number) {
     chart.render(&p, box, chart.viewport()->rect());
     p.restore();
     pages.Skip(2);
-    pages.Text(QStringLiteral(
-                   "Fondo, superficie del agua y profundidad crítica contra la abscisa; sobre cada punto, "
-                   "la sección y su tipo de perfil."),
-               8);
+    QString caption = QStringLiteral(
+        "Fondo, superficie del agua y profundidad crítica contra la abscisa; sobre "
+        "cada punto, la sección y su tipo de perfil.");
+    if (standard) {
+        caption += QStringLiteral(" Con trazos y puntos, el agua del paso estándar; punteada, su energía");
+        caption += c.standard->result.jump ? QStringLiteral("; el triángulo marca el resalto hidráulico.")
+                                           : QStringLiteral(".");
+    }
+    pages.Text(caption, 8);
 }
 
 void SketchSection(ReportPages& pages, const reach::ReachResult& r, const ReachCapture& c, int number) {
@@ -334,12 +337,13 @@ std::string ComposeReach(QPagedPaintDevice& device, int total, int& laid, const 
                        "(\"0.00\", \"0.000\"); Froude con dos decimales; Sf con seis."),
         8.5, false, kNote);
 
+    int number = 5;
+    const int sketches = c.standard ? 7 : 6;
     MethodsSection(pages, r.kind->scour);
-    InputSection(pages, r);
+    InputSection(pages, r, sketches);
     ResultSection(pages, r);
     ProfileSection(pages, r);
-    for (const auto& extra : Extras()) extra(pages, r);
-    int number = 5;
+    if (c.standard) StandardStepSection(pages, r, *c.standard, number++);
     if (!r.notices.empty()) {
         pages.Heading(QStringLiteral("Avisos"), 10 * pages.Mm());
         for (const auto& n : r.notices) pages.Text(QStringLiteral("• ") + Q(n), 8.5);
@@ -448,12 +452,9 @@ reach::SectionObserver Capture(ReachCapture& capture) {
             capture.sketches.push_back(SketchOf(screen));
         } else {
             capture.profile = ProfileOf(screen);
+            capture.standard = StandardProfileOf(screen);
         }
     };
-}
-
-void AddReportSection(ExtraSection section) {
-    Extras().push_back(std::move(section));
 }
 
 std::string ComposeReachReport(QPagedPaintDevice& device, const reach::ReachResult& r, const ReachCapture& c,

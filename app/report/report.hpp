@@ -1,6 +1,7 @@
 // The calculation report of a reach as an engineer hands it in: project data, methods and their
 // constants, the data and results of each section, the profile table with the flow at each section,
-// the profile plot and the cross-sections. The same report is written by "cauce informe" and by the
+// the standard-step profile beside the screen's with the warnings about it, the profile plot with both
+// profiles and the cross-sections. The same report is written by "cauce informe" and by the
 // desktop's Archivo > "Informe..." and "Imprimir...".
 #pragma once
 
@@ -13,6 +14,7 @@
 #include "app/profile_chart.hpp"
 #include "app/report/report_pages.hpp"
 #include "app/section_sketch.hpp"
+#include "app/standard_profile.hpp"
 #include "reach/run.hpp"
 
 class QPagedPaintDevice;
@@ -37,14 +39,10 @@ ProjectFields Merge(const ProjectFields& stored, const ProjectFields& given);
 struct ReachCapture {
     std::vector<std::optional<SectionSketch>> sketches;  // one per computed section, in order
     std::vector<ProfilePoint> profile;
+    std::optional<StandardProfile> standard;  // the standard step beside the screen's profile
 };
 // The observer for reach::RunReach that fills the capture.
 reach::SectionObserver Capture(ReachCapture& capture);
-
-// Sections that other features add after the profile table (a numbered heading and their own
-// tables), in the order they were registered.
-using ExtraSection = std::function<void(ReportPages& pages, const reach::ReachResult& result)>;
-void AddReportSection(ExtraSection section);
 
 // Lays the report down the device's pages (a QPdfWriter or a QPrinter). Returns "" when done, else
 // the Spanish reason.

@@ -13,6 +13,7 @@
 
 #include "hydraulics/fault.hpp"
 #include "hydraulics/standard_step/balance.hpp"
+#include "hydraulics/standard_step/root_finder.hpp"
 
 namespace cauce::standard_step {
 

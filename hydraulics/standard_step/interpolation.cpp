@@ -10,10 +10,11 @@ void BuildTables(Section& s);  // geometry.cpp
 
 namespace {
 
-// Width of section s at the relative depth r (0 at the bed, 1 at the top level).
-double WidthAt(const Section& s, double r) {
+// Width of section s at the relative depth r (0 at the bed, 1 at the top level). j is the band the
+// search starts from and is left at the band found: the relative depths asked for rise, so each
+// section's levels are walked once.
+double WidthAt(const Section& s, double r, std::size_t& j) {
     const double y = r * s.top();
-    std::size_t j = 1;
     while (j < s.y.size() - 1 && y > s.y[j]) ++j;
     const double f = (y - s.y[j - 1]) / (s.y[j] - s.y[j - 1]);
     return s.t[j - 1] + f * (s.t[j] - s.t[j - 1]);
@@ -31,23 +32,32 @@ double Lerp(double a, double b, double f) {
            depth, with widths, top depth, bed, roughness, discharge, slope and flood zone
            interpolated linearly.
    Purpose: the short steps of the standard-step march between surveyed sections. */
-Section Interpolate(const Section& a, const Section& b, double f) {
-    std::vector<double> rel;
-    for (double y : a.y) rel.push_back(y / a.top());
-    for (double y : b.y) rel.push_back(y / b.top());
-    std::sort(rel.begin(), rel.end());
-    rel.erase(std::unique(rel.begin(), rel.end(), [](double p, double q) { return q - p < 1e-12; }),
-              rel.end());
+Section Interpolate(const Section& a, const Section& b, double f, std::pmr::memory_resource* arena) {
+    // Both sections' relative levels, merged in order, those closer than 1e-12 taken once.
+    thread_local std::vector<double> rel;
+    rel.clear();
+    rel.reserve(a.y.size() + b.y.size());
+    const double ta = a.top(), tb = b.top();
+    std::size_t i = 0, j = 0;
+    while (i < a.y.size() || j < b.y.size()) {
+        const double ra = i < a.y.size() ? a.y[i] / ta : 2.0, rb = j < b.y.size() ? b.y[j] / tb : 2.0;
+        const double r = std::min(ra, rb);
+        (ra <= rb ? i : j)++;
+        if (rel.empty() || r - rel.back() >= 1e-12) rel.push_back(r);
+    }
     rel.front() = 0.0;
     rel.back() = 1.0;
 
-    Section s;
+    Section s(arena);
     s.x = Lerp(a.x, b.x, f);
     s.z_bed = Lerp(a.z_bed, b.z_bed, f);
     const double top = Lerp(a.top(), b.top(), f);
+    s.y.reserve(rel.size());
+    s.t.reserve(rel.size());
+    std::size_t ja = 1, jb = 1;
     for (double r : rel) {
         s.y.push_back(r * top);
-        s.t.push_back(Lerp(WidthAt(a, r), WidthAt(b, r), f));
+        s.t.push_back(Lerp(WidthAt(a, r, ja), WidthAt(b, r, jb), f));
     }
     s.n = Lerp(a.n, b.n, f);
     s.q = Lerp(a.q, b.q, f);

@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <memory_resource>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "hydraulics/fault.hpp"
 #include "hydraulics/natural/state.hpp"
@@ -35,6 +37,9 @@ struct PassDepth {
 };
 
 struct Node {
+    Node() = default;
+    explicit Node(Section section) : s(std::move(section)) {}
+
     Section s;
     int surveyed = -1;  // index into the input's sections, -1 for an interpolated section
     int reach = 0;      // the surveyed section upstream of it (index)
@@ -44,10 +49,10 @@ struct Node {
 };
 
 /* Checks of the reach as a whole and the computed sections.
-   Input:  in, the reach.
+   Input:  in, the reach; arena, where the interpolated sections' tables go.
    Output: nodes, the surveyed and interpolated sections from upstream down; "" or the message.
    Purpose: bad data stop the run before any depth, naming the section. */
-std::string BuildNodes(const ReachInput& in, std::vector<Node>& nodes) {
+std::string BuildNodes(const ReachInput& in, std::vector<Node>& nodes, std::pmr::memory_resource* arena) {
     if (in.sections.size() < 2) return "El tramo necesita al menos dos secciones.";
     const Options& o = in.options;
     if (!(o.contraction >= 0 && o.expansion >= 0 && std::isfinite(o.contraction) &&
@@ -74,13 +79,17 @@ std::string BuildNodes(const ReachInput& in, std::vector<Node>& nodes) {
         return "El tirante aguas arriba, en la sección " + std::to_string(in.sections.front().number) +
                ", debe ser mayor que 0 y estar dentro de la sección.";
 
+    std::size_t count = surveyed.size();
+    for (std::size_t i = 1; i < surveyed.size(); ++i)
+        count += static_cast<std::size_t>(std::ceil((surveyed[i].x - surveyed[i - 1].x) / o.max_spacing));
+    nodes.reserve(count);
     for (std::size_t i = 0; i < surveyed.size(); ++i) {
         if (i > 0) {
             const double length = surveyed[i].x - surveyed[i - 1].x;
             const int parts = static_cast<int>(std::ceil(length / o.max_spacing - 1e-9));
             for (int j = 1; j < parts; ++j) {
-                Node n;
-                n.s = Interpolate(surveyed[i - 1], surveyed[i], static_cast<double>(j) / parts);
+                // Built in place: assigning would copy the tables out of the arena.
+                Node n(Interpolate(surveyed[i - 1], surveyed[i], static_cast<double>(j) / parts, arena));
                 n.reach = static_cast<int>(i) - 1;
                 nodes.push_back(std::move(n));
             }
@@ -236,9 +245,10 @@ const char* RegimeName(Regime r) {
    Purpose: the modern profile shown beside the screens' own. */
 Result Solve(const ReachInput& in) {
     Result res;
+    std::pmr::monotonic_buffer_resource arena(1 << 16);  // outlives the nodes
     std::vector<Node> nodes;
     try {
-        res.error = BuildNodes(in, nodes);
+        res.error = BuildNodes(in, nodes, &arena);
         if (!res.error.empty()) return res;
         SubcriticalPass(nodes, in.downstream_depth, in.options, res.notes);
         SupercriticalPass(nodes, in.upstream_depth, in.options, res.notes);
@@ -273,6 +283,7 @@ Result Solve(const ReachInput& in) {
                     "crítico.");
             }
         }
+        res.line.reserve(nodes.size());
         for (const auto& n : nodes) {
             const Props p = Evaluate(n.s, n.y);
             res.line.push_back({n.s.x, n.s.z_bed, n.s.z_bed + n.y, n.s.z_bed + n.y + VelocityHead(n.s, p)});

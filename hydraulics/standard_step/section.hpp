@@ -1,7 +1,8 @@
 // The computed sections of a standard-step reach and what is evaluated on them.
 #pragma once
 
-#include <functional>
+#include <memory_resource>
+#include <string>
 #include <vector>
 
 #include "hydraulics/standard_step/reach.hpp"
@@ -14,11 +15,15 @@ inline constexpr double kDepthLimit = 1000.0;  // m
 
 // A section ready for evaluation: levels as depths above the bed, with the cumulative area and wetted
 // perimeter of the bands below each level.
+// The tables of the interpolated sections come from one arena per run rather than four allocations each.
 struct Section {
+    Section() = default;
+    explicit Section(std::pmr::memory_resource* arena) : y(arena), t(arena), area(arena), perim(arena) {}
+
     int number = 0;  // surveyed section's number; 0 for an interpolated one
     double x = 0, z_bed = 0;
-    std::vector<double> y, t;         // depth of each level above the bed, top width there
-    std::vector<double> area, perim;  // below each level
+    std::pmr::vector<double> y, t;         // depth of each level above the bed, top width there
+    std::pmr::vector<double> area, perim;  // below each level
     double n = 0, q = 0, flood_width = 0, flood_n = 0, slope = 0, grain_size = 0;
     double yc = 0;  // critical depth, filled once the section is built
 
@@ -39,21 +44,18 @@ std::string BuildSection(const SectionInput& in, Section& out);
 Props Evaluate(const Section& s, double y);
 
 double VelocityHead(const Section& s, const Props& p);  // alpha V^2 / 2g
+// Specific energy y + alpha V^2 / 2g at depth y; in the banks alpha is 1 and no conveyance is needed.
+double SpecificEnergy(const Section& s, double y);
 double SpecificForce(const Section& s, double y);       // Q^2 / (g A) + the area's moment, m3
 double FroudeNumber(const Section& s, const Props& p);  // sqrt(alpha Q^2 T / (g A^3))
 
 // The section a fraction f of the way from a to b: bed, levels at equal relative depth, widths,
-// roughness, discharge and flood zone interpolated linearly.
-Section Interpolate(const Section& a, const Section& b, double f);
+// roughness, discharge and flood zone interpolated linearly; its tables allocated from arena.
+Section Interpolate(const Section& a, const Section& b, double f, std::pmr::memory_resource* arena);
 
 // Depth of minimum specific energy (the lowest minimum when the section has several).
 double CriticalDepth(const Section& s);
 // Depth of uniform flow for the section's slope; 0 when the slope is not positive.
 double NormalDepth(const Section& s);
-
-// A root of f in [lo, hi] where f(lo) and f(hi) differ in sign: bisection safeguarding secant and
-// inverse quadratic steps (Brent), to within tol.
-double FindRoot(const std::function<double(double)>& f, double lo, double hi, double flo, double fhi,
-                double tol);
 
 }  // namespace cauce::standard_step

@@ -1,10 +1,13 @@
 // The figures the screens name, drawn by the program, and the sections drawn to scale.
 #include <QImage>
 #include <QPainter>
+#include <QScatterSeries>
 #include <QtTest>
 
 #include "app/figures.hpp"
+#include "app/profile_chart.hpp"
 #include "app/section_sketch.hpp"
+#include "app/standard_profile.hpp"
 #include "screens/profile_screen.hpp"
 #include "screens/registry.hpp"
 #include "support.hpp"
@@ -199,6 +202,27 @@ class Figures : public QObject {
         }
         QVERIFY(left <= -5);
         QVERIFY(right >= 5);
+    }
+
+    // The standard step's water and energy lines over the screen's profile, and the jump marked where
+    // the subcritical sequent depth stands over the bed of the computed section just below it.
+    void profilePlotMarksTheStandardStepAndItsJump() {
+        ProfileChart chart;
+        chart.Show({{1, 0, 100, 101.2, 100.8, "S2"}, {2, 200, 98, 99.5, 98.6, "M1"}});
+        cauce::standard_step::Result r;
+        r.line = {{0, 100, 101.1, 101.5}, {100, 99, 99.6, 100.4}, {200, 98, 99.4, 99.5}};
+        r.jump = cauce::standard_step::Jump{150, 0.5, 1.4};
+        AddStandardLines(chart.chart(), r);
+        QStringList names;
+        QScatterSeries* jump = nullptr;
+        for (QAbstractSeries* s : chart.chart()->series()) {
+            names << s->name();
+            if (s->name() == QStringLiteral("Resalto")) jump = qobject_cast<QScatterSeries*>(s);
+        }
+        QVERIFY(names.contains(QStringLiteral("Agua, paso estándar")));
+        QVERIFY(names.contains(QStringLiteral("Energía, paso estándar")));
+        QVERIFY(jump && jump->count() == 1);
+        QCOMPARE(jump->at(0), QPointF(150, 98 + 1.4));
     }
 };
 

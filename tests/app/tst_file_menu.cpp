@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -141,6 +142,15 @@ class FileMenu : public QObject {
         Type(w->View(), profile::box::StartDepth, "1.8");
         QVERIFY(w->Files()->WriteReport(pdf));
         QVERIFY(Read(pdf).startsWith("%PDF"));
+        // The standard step's table and the warnings about the screen's profile, as "cauce informe"
+        // prints them (read back where pdftotext is installed).
+        QProcess text;
+        text.start(QStringLiteral("pdftotext"), {pdf, QStringLiteral("-")});
+        if (text.waitForFinished() && text.exitStatus() == QProcess::NormalExit && text.exitCode() == 0) {
+            const QString body = QString::fromUtf8(text.readAllStandardOutput());
+            QVERIFY(body.contains(QStringLiteral("Perfil por paso estándar y avisos")));
+            QVERIFY(body.contains(QStringLiteral("Aviso sobre el perfil de la pantalla")));
+        }
 
         app::ScreenWindow* f1 = desktop.Open("Form1");
         const QString one = dir.filePath(QStringLiteral("canal.pdf"));

@@ -469,7 +469,8 @@ class InformeTest(Scratch):
                              text=True).stdout
         for heading in ("Informe de cálculo hidráulico", "Datos de entrada", "Resultados por sección",
                         "Perfil de la superficie del agua", "Perfil longitudinal", "Secciones transversales",
-                        "Sección 12 (registro 12)", "Y inicial en la sección 12: 1.8 m"):
+                        "Sección 12 (registro 12)", "Y inicial en la sección 12: 1.8 m",
+                        "5. Perfil por paso estándar y avisos", "Aviso sobre el perfil de la pantalla"):
             self.assertIn(heading, pdf)
         reach = json.loads(self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--formato", "json"))[0]
         lines = pdf.splitlines()

@@ -1,9 +1,9 @@
-// Brent's root finder: inverse quadratic and secant steps, each checked against bisection.
+// Brent's root finder: inverse quadratic and secant steps, each checked against bisection. A template,
+// so that the balances it solves are inlined into it.
+#pragma once
+
 #include <algorithm>
 #include <cmath>
-#include <utility>
-
-#include "hydraulics/standard_step/section.hpp"
 
 namespace cauce::standard_step {
 
@@ -12,8 +12,8 @@ namespace cauce::standard_step {
    Output: x with |x - root| <= tol (the bracket shrinks every step, so at most a few dozen calls).
    Purpose: every balance of the march; a fast step is taken only when it stays inside the bracket
             and shrinks it quickly enough, otherwise the step bisects. */
-double FindRoot(const std::function<double(double)>& f, double lo, double hi, double flo, double fhi,
-                double tol) {
+template <class F>
+double FindRoot(const F& f, double lo, double hi, double flo, double fhi, double tol) {
     if (flo == 0) return lo;
     if (fhi == 0) return hi;
     double a = lo, b = hi, fa = flo, fb = fhi;
