@@ -5,19 +5,16 @@ Used by atspi_desktop_test.py and scripts/screenshots.py. Run() starts the calle
 cauce (QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1, the xcb platform) with a scratch data folder, so the
 workbooks it opens are copies of the bundled examples, and removes everything when it ends.
 """
-import ctypes
 import importlib.util
 import os
 import shutil
 import signal
-import struct
 import subprocess
 import sys
 import tempfile
 import time
-import zlib
 
-SCREEN = "1366x768x24"
+SCREEN = "1366x768x24"  # a laptop screen, 24-bit
 BUS_LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
 NEEDED = {"xvfb-run": "xvfb", "xauth": "xauth", "dbus-run-session": "dbus-daemon"}  # program: package
 
@@ -116,7 +113,9 @@ class Desktop:
         role = role or self.pyatspi.ROLE_TEXT
 
         def match(o):
-            return o is not None and o.getRole() == role and (o.name.startswith(name) if start else o.name == name)
+            if o is None or o.getRole() != role:
+                return False
+            return o.name.startswith(name) if start else o.name == name
         return WaitFor(lambda: self.pyatspi.findDescendant(root, match), message="no se encontró " + name)
 
     def Boxes(self, root):
@@ -150,64 +149,10 @@ class Desktop:
         shows = text if shows is None else shows
         WaitFor(lambda: self.Text(box) == shows, message="la casilla no muestra " + shows)
 
-    def Press(self, control):
-        control.queryAction().doAction(0)
-
-    def Grab(self, window, path):
-        """Saves the window as it is on the screen as a PNG."""
-        x, y, w, h = window.queryComponent().getExtents(self.pyatspi.DESKTOP_COORDS)
-        SavePng(path, w, h, ScreenPixels(x, y, w, h))
-
 
 def _AccessibilityBusUp():
-    from gi.repository import Gio
+    from gi.repository import Gio, GLib
     bus = Gio.bus_get_sync(Gio.BusType.SESSION)
     reply = bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                          "NameHasOwner", GLib_Variant("(s)", ("org.a11y.Bus",)), None, 0, -1, None)
+                          "NameHasOwner", GLib.Variant("(s)", ("org.a11y.Bus",)), None, 0, -1, None)
     return reply.unpack()[0]
-
-
-def GLib_Variant(kind, value):
-    from gi.repository import GLib
-    return GLib.Variant(kind, value)
-
-
-class _XImage(ctypes.Structure):
-    _fields_ = [(name, ctypes.c_int) for name in ("width", "height", "xoffset", "format")] + \
-        [("data", ctypes.c_void_p)] + \
-        [(name, ctypes.c_int) for name in ("byte_order", "bitmap_unit", "bitmap_bit_order", "bitmap_pad",
-                                           "depth", "bytes_per_line", "bits_per_pixel")]
-
-
-def ScreenPixels(x, y, w, h):
-    """The RGB rows of a rectangle of the X screen (a 24-bit one, as SCREEN sets it up)."""
-    x11 = ctypes.CDLL("libX11.so.6")
-    x11.XOpenDisplay.restype = ctypes.c_void_p
-    x11.XDefaultRootWindow.restype = ctypes.c_ulong
-    x11.XDefaultRootWindow.argtypes = [ctypes.c_void_p]
-    x11.XGetImage.restype = ctypes.POINTER(_XImage)
-    x11.XGetImage.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_int, ctypes.c_uint,
-                              ctypes.c_uint, ctypes.c_ulong, ctypes.c_int]
-    x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
-    display = x11.XOpenDisplay(None)
-    image = x11.XGetImage(display, x11.XDefaultRootWindow(display), x, y, w, h, 0xFFFFFFFF, 2).contents
-    if image.bits_per_pixel != 32 or image.byte_order != 0:
-        raise RuntimeError("la pantalla virtual no es de 24 bits")
-    data = ctypes.string_at(image.data, image.bytes_per_line * h)
-    rows = []
-    for r in range(h):
-        src = data[r * image.bytes_per_line:r * image.bytes_per_line + 4 * w]
-        row = bytearray(3 * w)
-        row[0::3], row[1::3], row[2::3] = src[2::4], src[1::4], src[0::4]
-        rows.append(bytes(row))
-    x11.XCloseDisplay(display)
-    return rows
-
-
-def SavePng(path, w, h, rows):
-    def chunk(kind, body):
-        return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
-    raw = b"".join(b"\0" + row for row in rows)
-    with open(path, "wb") as f:
-        f.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", w, h, 8, 2, 0, 0, 0)) +
-                chunk(b"IDAT", zlib.compress(raw, 9)) + chunk(b"IEND", b""))
