@@ -60,28 +60,42 @@ class Desktop:
                         CAUCE_DATOS=self.dir + "/Datos", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
                         QT_QPA_PLATFORM="xcb", QT_ACCESSIBILITY="1", LC_ALL="C.UTF-8")
         os.chmod(self.dir, 0o700)
+        self.processes = []
+        try:
+            self._Start(cauce)
+        except BaseException:
+            self.Close()
+            raise
+
+    def _Start(self, cauce):
         # Each in a process group of its own, so that its children (the bus daemon, the registry)
         # end with it.
-        self.bus = subprocess.Popen([BUS_LAUNCHER, "--launch-immediately"], env=self.env,
-                                    start_new_session=True, stdout=subprocess.DEVNULL,
-                                    stderr=subprocess.DEVNULL)
+        self.processes.append(subprocess.Popen([BUS_LAUNCHER, "--launch-immediately"], env=self.env,
+                                               start_new_session=True, stdout=subprocess.DEVNULL,
+                                               stderr=subprocess.DEVNULL))
         WaitFor(_AccessibilityBusUp, message="no arrancó el bus de accesibilidad")
         import pyatspi  # only now: importing it would start another bus
         self.pyatspi = pyatspi
-        self.cauce = subprocess.Popen([cauce], env=self.env, start_new_session=True,
-                                      stderr=subprocess.DEVNULL)
+        self.cauce = subprocess.Popen([cauce], env=self.env, start_new_session=True)
+        self.processes.insert(0, self.cauce)
         self.app = WaitFor(self._FindApp, message="cauce no apareció en el bus de accesibilidad")
         # Names and descriptions change while the test looks: read them from the program every time.
         self.app.set_cache_mask(pyatspi.Atspi.Cache.NONE)
 
     def _FindApp(self):
-        for app in self.pyatspi.Registry.getDesktop(0):
-            if app is not None and app.get_process_id() == self.cauce.pid and app.childCount:
-                return app
+        if self.cauce.poll() is not None:
+            raise RuntimeError("cauce terminó con el estado %d" % self.cauce.returncode)
+        desktop = self.pyatspi.Registry.getDesktop(0)
+        desktop.clear_cache()  # the list of applications as it is now
+        for app in desktop:
+            if app is not None and app.get_process_id() == self.cauce.pid:
+                app.clear_cache()
+                if app.childCount:
+                    return app
         return None
 
     def Close(self):
-        for process in (self.cauce, self.bus):
+        for process in self.processes:
             try:
                 os.killpg(process.pid, signal.SIGKILL)
             except ProcessLookupError:
