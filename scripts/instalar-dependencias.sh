@@ -5,6 +5,7 @@ packages=(
   g++ cmake make pkg-config
   qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-translations-l10n libgl-dev
   xvfb xauth fonts-dejavu-core locales
+  at-spi2-core python3-pyatspi dbus-x11
   libzip-dev libpugixml-dev zipcmp zipmerge ziptool libfreexl-dev
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
