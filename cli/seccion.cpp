@@ -190,7 +190,8 @@ Command AddSeccion(CLI::App& parent) {
         ->type_name("NOMBRE");
     app->add_option("--registro", o.record, "Fila de la hoja (1 es la primera bajo los encabezados)")
         ->type_name("N");
-    app->footer(
+    return Described(
+        app,
         "Los puntos van uno por línea, abscisa y cota separadas por tabulador, punto y coma, coma o "
         "espacios; la\n"
         "coma decimal vale cuando no separa los números. Se admite una línea de encabezados. El cauce es lo "
@@ -203,12 +204,10 @@ Command AddSeccion(CLI::App& parent) {
         "máximas\n"
         "de área y de perímetro mojado. Con --libro, los niveles se escriben en z1..z15 y t1..t15 del "
         "registro\n"
-        "(los que sobran se borran) y el libro se guarda; si algo falla no se escribe nada.\n"
-        "Ejemplos:\n"
-        "  cauce seccion levantamiento.csv\n"
-        "  cauce seccion levantamiento.txt --niveles 10 --formato json\n"
-        "  cauce seccion levantamiento.csv --libro Rios.xlsx --hoja Persecc --registro 3");
-    return {app, [] { return Guarded("seccion", [] { return Run(o); }); }};
+        "(los que sobran se borran) y el libro se guarda; si algo falla no se escribe nada.",
+        {"cauce seccion levantamiento.csv", "cauce seccion levantamiento.txt --niveles 10 --formato json",
+         "cauce seccion levantamiento.csv --libro Rios.xlsx --hoja Persecc --registro 3"},
+        [] { return Run(o); });
 }
 
 }  // namespace cauce::cli
