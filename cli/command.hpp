@@ -31,6 +31,9 @@ void ConduitOptions(CLI::App* app, ConduitInput& c, bool with_common);
 void CheckChannel(const ChannelInput& c);
 void CheckConduit(const ConduitInput& c);
 
+// --hoja and --registro: a record of one of sheets (named in the help) of a workbook.
+void RecordOptions(CLI::App* app, std::string& sheet, std::string& record, const std::string& sheets);
+
 // The sheet and the depth at the last section of a command on a reach (--hoja, --y-inicial,
 // --y-final): a UsageError naming the option when they do not serve.
 void CheckReachOptions(const std::string& sheet, const std::string& y_initial, const std::string& y_final);

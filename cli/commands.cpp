@@ -48,6 +48,12 @@ int RunCommand(CLI::App&) {
     return 0;
 }
 
+void RecordOptions(CLI::App* app, std::string& sheet, std::string& record, const std::string& sheets) {
+    app->add_option("--hoja", sheet, "Hoja del libro (" + sheets + ")")->type_name("NOMBRE");
+    app->add_option("--registro", record, "Fila de la hoja (1 es la primera bajo los encabezados)")
+        ->type_name("N");
+}
+
 void CheckReachOptions(const std::string& sheet, const std::string& y_initial, const std::string& y_final) {
     if (y_initial.empty() && y_final.empty())
         throw UsageError(

@@ -332,10 +332,7 @@ Command AddCurva(CLI::App& parent) {
         parent.add_subcommand("curva", "Curva de gasto (profundidad normal contra caudal) de una sección");
     app->add_option("LIBRO", o.book, "Libro de Excel con la sección (con --hoja y --registro)")
         ->type_name("");
-    app->add_option("--hoja", o.sheet, "Hoja del libro (Persecc, Percanal, Zorvena, \"secciones \", Canales)")
-        ->type_name("NOMBRE");
-    app->add_option("--registro", o.record, "Fila de la hoja (1 es la primera bajo los encabezados)")
-        ->type_name("N");
+    RecordOptions(app, o.sheet, o.record, "Persecc, Percanal, Zorvena, \"secciones \", Canales");
     ChannelOptions(app, o.channel);
     ConduitOptions(app, o.conduit, false);
     app->add_option("--desde", o.from, "Primer caudal (m3/s)")->type_name("Q");

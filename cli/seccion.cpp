@@ -186,10 +186,7 @@ Command AddSeccion(CLI::App& parent) {
     app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
     app->add_option("--libro", o.book, "Escribe los niveles en este libro de Excel (con --hoja y --registro)")
         ->type_name("LIBRO");
-    app->add_option("--hoja", o.sheet, "Hoja del libro (Persecc, Percanal, Zorvena, \"secciones \")")
-        ->type_name("NOMBRE");
-    app->add_option("--registro", o.record, "Fila de la hoja (1 es la primera bajo los encabezados)")
-        ->type_name("N");
+    RecordOptions(app, o.sheet, o.record, "Persecc, Percanal, Zorvena, \"secciones \"");
     return Described(
         app,
         "Los puntos van uno por línea, abscisa y cota separadas por tabulador, punto y coma, coma o "
