@@ -71,7 +71,7 @@ Form3::Form3()
     Add({"Data1", Kind::Data, "Rio Negro", "", {10, 510, 440, 30}});
 
     // Form_Load: the profile button is inert until the last section has been computed.
-    Set("Picture1", kFigCauces1);
+    Set("Picture1", Figure("Cauces1.wmf"));
     Set("Command1", "");
 }
 

@@ -56,7 +56,7 @@ Form5::Form5()
     Add({"Label31", Kind::Label, "", "", {530, 206, 300, 44}, true});
     Add({"Picture1", Kind::PictureBox, "", "", {530, 270, 220, 150}});
     Add({"Data1", Kind::Data, "Flujo uniforme", "", {10, 510, 480, 30}});
-    Set("Picture1", kFigCauces1);
+    Set("Picture1", Figure("Cauces1.wmf"));
 }
 
 // One section, no reach: the section number of the record indexes the arrays; N plays no part.

@@ -86,7 +86,7 @@ void NaturalScreen::LastSection() {
     if (!has_profiles_) return;
     Set("Command2", "");
     Set("Command1", "Perfiles");
-    Set("Picture1", kFigCauces1);
+    Set("Picture1", Figure("Cauces1.wmf"));
 }
 
 bool NaturalScreen::ReadStartDepth(const ReachControls& reach, const std::string& word) {
@@ -161,7 +161,7 @@ void NaturalScreen::SectionClick() {
         Resultados();
         return;
     }
-    Set("Picture1", kFigCauces1);
+    Set("Picture1", Figure("Cauces1.wmf"));
     st_.NormalInBank(i);
     st_.Qc = st_.Q(i);
     st_.Critica(i);
@@ -171,7 +171,7 @@ void NaturalScreen::SectionClick() {
 void NaturalScreen::Qdesbord() {
     const int i = st_.i;
     Set("Label31", natural::kDesbordamiento);
-    Set("Picture1", kFigCauces);
+    Set("Picture1", Figure("Cauces.wmf"));
     st_.B = ValOf(boxes_.b);
     st_.nz = ValOf(boxes_.nz);
     if (st_.B < st_.BankWidth(i)) {
@@ -179,7 +179,7 @@ void NaturalScreen::Qdesbord() {
         return;
     }
     st_.Qdesbord(i);
-    if (st_.NoFloodZone(i)) Set("Picture1", kFigCauces2);
+    if (st_.NoFloodZone(i)) Set("Picture1", Figure("Cauces2.wmf"));
     st_.Qdesbord3(i);
 }
 

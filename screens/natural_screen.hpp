@@ -12,10 +12,12 @@
 
 namespace cauce::screens {
 
-inline constexpr const char* kFigCauces1 = "C:\\programas\\figuras\\Cauces1.wmf";
-inline constexpr const char* kFigCauces = "C:\\programas\\figuras\\Cauces.wmf";
-inline constexpr const char* kFigCauces2 = "C:\\programas\\figuras\\Cauces2.wmf";
-inline constexpr const char* kFigSummer = "C:\\programas\\figuras\\SUMMER.wmf";
+// The figures of the natural-section screens, by the path the screens load them from: the section in
+// its banks (Cauces1.wmf), overflowing (Cauces.wmf), overflowing with no flood zone beside it
+// (Cauces2.wmf), and the landscape of the profile screens (SUMMER.wmf).
+inline std::string Figure(const char* file) {
+    return std::string("C:\\programas\\figuras\\") + file;
+}
 
 // The second line of the instructions of the screens on natural channels.
 inline constexpr const char* kPressForStream =

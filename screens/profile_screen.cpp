@@ -53,8 +53,8 @@ ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg)
 }
 
 void ProfileScreen::FormLoad() {
-    Set("Picture1", kFigCauces1);
-    Set("Picture2", kFigSummer);
+    Set("Picture1", Figure("Cauces1.wmf"));
+    Set("Picture2", Figure("SUMMER.wmf"));
     Set("Command1", "");  // inert until the last section has been computed
 }
 
