@@ -158,16 +158,12 @@ int Run(const Options& o) {
             return kExitData;
         }
     }
-    switch (format) {
-        case Format::Text:
-            PrintText(s, o.points == "-" ? "la entrada" : o.points);
-            break;
-        case Format::Csv:
-            PrintCsv(s);
-            break;
-        case Format::Json:
-            PrintJson(s);
-            break;
+    if (format == Format::Csv) {
+        PrintCsv(s);
+    } else if (format == Format::Json) {
+        PrintJson(s);
+    } else {
+        PrintText(s, o.points == "-" ? "la entrada" : o.points);
     }
     return kExitOk;
 }
