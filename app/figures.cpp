@@ -109,21 +109,22 @@ void Summer(QPainter& p) {
         p.restore();
     }
     p.setPen(Qt::NoPen);
+    // A band of land: its skyline, filled down to the bottom of the picture.
+    const auto land = [&p](QPainterPath skyline, const QColor& color) {
+        skyline.lineTo(200, kH);
+        skyline.lineTo(0, kH);
+        p.setBrush(color);
+        p.drawPath(skyline);
+    };
     QPainterPath far_hills;
     far_hills.moveTo(0, 80);
     far_hills.cubicTo(40, 50, 70, 60, 100, 72);
     far_hills.cubicTo(130, 84, 170, 52, 200, 70);
-    far_hills.lineTo(200, kH);
-    far_hills.lineTo(0, kH);
-    p.setBrush(QColor(120, 170, 90));
-    p.drawPath(far_hills);
+    land(far_hills, QColor(120, 170, 90));
     QPainterPath meadow;
     meadow.moveTo(0, 100);
     meadow.cubicTo(60, 86, 140, 92, 200, 96);
-    meadow.lineTo(200, kH);
-    meadow.lineTo(0, kH);
-    p.setBrush(QColor(90, 150, 70));
-    p.drawPath(meadow);
+    land(meadow, QColor(90, 150, 70));
     // The river winding from the hills towards the viewer.
     QPainterPath river;
     river.moveTo(96, 92);

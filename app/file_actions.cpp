@@ -301,10 +301,13 @@ bool FileActions::AskProjectOnce() {
 std::string FileActions::ReportTo(
     const std::function<std::string(const reach::ReachResult&, const ReachCapture&, const ProjectFields&)>&
         reach_report,
-    const std::function<std::string(const ProjectFields&)>& case_report) {
+    const std::function<std::string(const QString&, const ProjectFields&)>& case_report) {
     const ProjectFields project = Project();
     const reach::ReachKind* kind = reach::KindOfSheet(model_.Sheet());
-    if (!kind) return case_report(project);
+    if (!kind) {
+        const QString book = model_.Source() ? QFileInfo(Q(model_.WorkbookPath())).fileName() : QString();
+        return case_report(book, project);
+    }
     if (!model_.Source())
         return "Abra el libro del tramo (Archivo > Abrir libro...) antes de pedir su informe.";
     const std::string depth = model_.Get(reach::DepthBox(*kind)).text;
@@ -323,26 +326,25 @@ std::string FileActions::ReportTo(
     return reach_report(r, capture, project);
 }
 
-bool FileActions::WriteReport(const QString& path) {
-    const QString book = model_.Source() ? QFileInfo(Q(model_.WorkbookPath())).fileName() : QString();
-    const std::string why = ReportTo(
-        [&](const reach::ReachResult& r, const ReachCapture& c, const ProjectFields& p) {
-            return WriteReachReportPdf(path, r, c, p);
-        },
-        [&](const ProjectFields& p) { return WriteCaseReportPdf(path, view_, Q(model_.Name()), book, p); });
+bool FileActions::Reported(const std::string& why) {
     if (!why.empty()) Fail(why);
     return why.empty();
 }
 
+bool FileActions::WriteReport(const QString& path) {
+    return Reported(ReportTo([&](const reach::ReachResult& r, const ReachCapture& c,
+                                 const ProjectFields& p) { return WriteReachReportPdf(path, r, c, p); },
+                             [&](const QString& book, const ProjectFields& p) {
+                                 return WriteCaseReportPdf(path, view_, Q(model_.Name()), book, p);
+                             }));
+}
+
 bool FileActions::Print(QPagedPaintDevice& device) {
-    const QString book = model_.Source() ? QFileInfo(Q(model_.WorkbookPath())).fileName() : QString();
-    const std::string why = ReportTo(
-        [&](const reach::ReachResult& r, const ReachCapture& c, const ProjectFields& p) {
-            return ComposeReachReport(device, r, c, p);
-        },
-        [&](const ProjectFields& p) { return ComposeCaseReport(device, view_, Q(model_.Name()), book, p); });
-    if (!why.empty()) Fail(why);
-    return why.empty();
+    return Reported(ReportTo([&](const reach::ReachResult& r, const ReachCapture& c,
+                                 const ProjectFields& p) { return ComposeReachReport(device, r, c, p); },
+                             [&](const QString& book, const ProjectFields& p) {
+                                 return ComposeCaseReport(device, view_, Q(model_.Name()), book, p);
+                             }));
 }
 
 QStringList FileActions::TableNames() const {

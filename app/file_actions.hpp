@@ -60,9 +60,13 @@ class FileActions : public QObject {
     bool Reopen(int record);
     bool SaveFirst();
     bool HasReach() const;
-    std::string ReportTo(const std::function<std::string(const reach::ReachResult&, const ReachCapture&,
-                                                         const ProjectFields&)>& reach_report,
-                         const std::function<std::string(const ProjectFields&)>& case_report);
+    // The report of a reach (on a profile sheet) or of the case shown (given the workbook's file
+    // name, "" without one); what went wrong, "" when it was written.
+    std::string ReportTo(
+        const std::function<std::string(const reach::ReachResult&, const ReachCapture&,
+                                        const ProjectFields&)>& reach_report,
+        const std::function<std::string(const QString& book, const ProjectFields&)>& case_report);
+    bool Reported(const std::string& why);  // false, with why told, when the report failed
     bool AskProjectOnce();
     void Fail(const std::string& why);
 

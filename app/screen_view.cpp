@@ -570,22 +570,12 @@ void ScreenView::MoveRecord(Move move) {
                 outlined_.erase(c.name);
             }
     };
-    const bool moved = SaveSettling(model_, prompter_, window(), [&] {
-        switch (move) {
-            case Move::First:
-                model_.MoveFirst();
-                break;
-            case Move::Previous:
-                model_.MovePrevious();
-                break;
-            case Move::Next:
-                model_.MoveNext();
-                break;
-            case Move::Last:
-                model_.MoveLast();
-                break;
-        }
-    });
+    // By Move, in its order.
+    static constexpr void (forms::Screen::*kMoves[])() = {&forms::Screen::MoveFirst,
+                                                          &forms::Screen::MovePrevious,
+                                                          &forms::Screen::MoveNext, &forms::Screen::MoveLast};
+    const bool moved =
+        SaveSettling(model_, prompter_, window(), [&] { (model_.*kMoves[static_cast<int>(move)])(); });
     forget_refilled();
     Refresh();
     emit staleChanged();

@@ -37,6 +37,9 @@ forms::ControlName DepthBox(const forms::Screen& screen) {
 QString Fixed(double v, int decimals) {
     return QString::number(v, 'f', decimals);
 }
+std::string FixedText(double v, int decimals) {
+    return Fixed(v, decimals).toStdString();
+}
 
 }  // namespace
 
@@ -128,36 +131,18 @@ void ProfileTabs::Refresh(const forms::Screen& screen) {
     }
     const auto& r = profile->result;
     AddStandardLines(chart_->chart(), r);
-    const QStringList head{QStringLiteral("Sección"),
-                           QStringLiteral("Abscisa m"),
-                           QStringLiteral("Y m"),
-                           QStringLiteral("Z agua m"),
-                           QStringLiteral("Z energía m"),
-                           QStringLiteral("V m/s"),
-                           QStringLiteral("Froude"),
-                           QStringLiteral("Sf"),
-                           QStringLiteral("Régimen"),
-                           QStringLiteral("Yc m"),
-                           QStringLiteral("Z agua pantalla m"),
-                           QStringLiteral("Diferencia m")};
+    QStringList head;
+    for (const std::string& h : screens::StandardHeads()) head << Q(h);
+    head << QStringLiteral("Z agua pantalla m") << QStringLiteral("Diferencia m");
     table_->setColumnCount(static_cast<int>(head.size()));
     table_->setHorizontalHeaderLabels(head);
     const auto legacy = ProfileOf(screen);
     table_->setRowCount(static_cast<int>(r.sections.size()));
     for (int row = 0; row < static_cast<int>(r.sections.size()); ++row) {
         const auto& s = r.sections[static_cast<std::size_t>(row)];
-        QStringList cells{QString::number(s.number),
-                          Fixed(s.chainage, 2),
-                          Fixed(s.y, 3),
-                          Fixed(s.z_water, 3),
-                          Fixed(s.z_energy, 3),
-                          Fixed(s.v, 2),
-                          Fixed(s.froude, 2),
-                          Fixed(s.sf, 6),
-                          Q(standard_step::RegimeName(s.regime)),
-                          Fixed(s.yc, 3),
-                          QString(),
-                          QString()};
+        QStringList cells;
+        for (const std::string& c : screens::StandardCells(s, FixedText)) cells << Q(c);
+        cells << QString() << QString();
         for (const auto& p : legacy) {
             if (p.section != s.number) continue;
             cells[10] = Fixed(p.water, 2);

@@ -6,10 +6,13 @@
 #include <cmath>
 #include <string>
 
+#include "bench/timing.hpp"
 #include "hydraulics/prismatic/state.hpp"
 
 namespace {
 
+using cauce::bench::TimeNewton;
+using cauce::bench::TimeSearch;
 using cauce::prismatic::State;
 
 constexpr double kPi = 3.14159265358979323846;
@@ -28,6 +31,13 @@ State Conduit(double D, double share, bool literal) {
     return st;
 }
 
+// A Newton step kept inside the section: above 0 and below top.
+double Within(double y, double next, double top) {
+    if (!(next > 0)) next = y / 2;
+    if (!(next < top)) next = (y + top) / 2;
+    return next;
+}
+
 double ShareAt(double D, double y) {
     const double alpha = std::acos(1 - 2 * y / D);
     const double a = D * D / 4 * (alpha - std::sin(alpha) * std::cos(alpha)), p = D * alpha;
@@ -37,60 +47,22 @@ double ShareAt(double D, double y) {
 
 void NormalDepth(benchmark::State& state, double D, double share, bool literal) {
     State st = Conduit(D, share, literal);
-    for (auto _ : state) {
-        st.Circular();
-        benchmark::DoNotOptimize(st.Yn + 0.0);
-    }
-    state.SetLabel("Yn " + std::to_string(st.Yn));
+    TimeSearch(
+        state, st, "Yn", [](State& s) { s.Circular(); }, [](const State& s) { return s.Yn; });
 }
 
 // Newton on Manning's discharge of the exact circle against the depth, from half full, to a tenth of
 // the march's step.
-double NewtonNormalDepth(double D, double n, double S, double q) {
-    const double coef = std::sqrt(S) / n;
-    double y = D / 2;
-    for (int it = 0; it < 50; ++it) {
+void NewtonNormal(benchmark::State& state, double D, double share) {
+    const State st = Conduit(D, share, false);
+    const double coef = std::sqrt(st.S) / st.n, q = st.Q;
+    TimeNewton(state, "Yn", D / 2, [=](double y) {
         const double alpha = std::acos(1 - 2 * y / D), sn = std::sin(alpha);
         const double a = D * D / 4 * (alpha - sn * std::cos(alpha)), p = D * alpha, t = D * sn;
         const double qy = coef * std::pow(a, 5.0 / 3.0) / std::pow(p, 2.0 / 3.0);
         const double dq = qy * (5.0 / 3.0 * t / a - 2.0 / 3.0 * (2 / sn) / p);
-        double next = y - (qy - q) / dq;
-        if (!(next > 0)) next = y / 2;
-        if (!(next < 0.938 * D)) next = (y + 0.938 * D) / 2;
-        const double dy = next - y;
-        y = next;
-        if (std::fabs(dy) < 1e-4) break;
-    }
-    return y;
-}
-
-void NewtonNormal(benchmark::State& state, double D, double share) {
-    const State st = Conduit(D, share, false);
-    double y = 0;
-    for (auto _ : state) {
-        y = NewtonNormalDepth(st.D, st.n, st.S, st.Q);
-        benchmark::DoNotOptimize(y);
-    }
-    state.SetLabel("Yn " + std::to_string(y));
-}
-
-void BM_ConductoYn_D1_5_Literal(benchmark::State& s) {
-    NormalDepth(s, 1.5, 0.45, true);
-}
-void BM_ConductoYn_D1_5_Rapido(benchmark::State& s) {
-    NormalDepth(s, 1.5, 0.45, false);
-}
-void BM_ConductoYn_D1_5_Newton(benchmark::State& s) {
-    NewtonNormal(s, 1.5, 0.45);
-}
-void BM_ConductoYn5m_Literal(benchmark::State& s) {
-    NormalDepth(s, 12, ShareAt(12, 5), true);
-}
-void BM_ConductoYn5m_Rapido(benchmark::State& s) {
-    NormalDepth(s, 12, ShareAt(12, 5), false);
-}
-void BM_ConductoYn5m_Newton(benchmark::State& s) {
-    NewtonNormal(s, 12, ShareAt(12, 5));
+        return Within(y, y - (qy - q) / dq, 0.938 * D);
+    });
 }
 
 // The critical depth after the normal depth (the descent from Yn; the 1.5 m conduit is mild).
@@ -99,48 +71,28 @@ void Critical(benchmark::State& state, double D, double share, bool literal) {
     st.Circular();
     st.Final();
     const double yn = st.Yn, f = st.F;
-    for (auto _ : state) {
-        st.Yn = yn;
-        st.F = f;
-        st.Criticac();
-        benchmark::DoNotOptimize(st.Yc + 0.0);
-    }
-    state.SetLabel("Yc " + std::to_string(st.Yc));
+    TimeSearch(
+        state, st, "Yc",
+        [yn, f](State& s) {
+            s.Yn = yn;
+            s.F = f;
+            s.Criticac();
+        },
+        [](const State& s) { return s.Yc; });
 }
 
 // Newton on A^3 / T = Q^2 / g for the exact circle, from half full.
 void NewtonCritical(benchmark::State& state, double D, double share) {
     const State st = Conduit(D, share, false);
     const double target = st.Q * st.Q / 9.81;
-    double y = 0;
-    for (auto _ : state) {
-        y = D / 2;
-        for (int it = 0; it < 50; ++it) {
-            const double alpha = std::acos(1 - 2 * y / D), sn = std::sin(alpha);
-            const double a = D * D / 4 * (alpha - sn * std::cos(alpha)), t = D * sn;
-            const double f = a * a * a / t - target;
-            const double dtdy = 2 * std::cos(alpha) / sn;
-            const double df = 3 * a * a - a * a * a * dtdy / (t * t);
-            double next = y - f / df;
-            if (!(next > 0)) next = y / 2;
-            if (!(next < D)) next = (y + D) / 2;
-            const double dy = next - y;
-            y = next;
-            if (std::fabs(dy) < 1e-4) break;
-        }
-        benchmark::DoNotOptimize(y);
-    }
-    state.SetLabel("Yc " + std::to_string(y));
-}
-
-void BM_ConductoYc_D1_5_Literal(benchmark::State& s) {
-    Critical(s, 1.5, 0.45, true);
-}
-void BM_ConductoYc_D1_5_Rapido(benchmark::State& s) {
-    Critical(s, 1.5, 0.45, false);
-}
-void BM_ConductoYc_D1_5_Newton(benchmark::State& s) {
-    NewtonCritical(s, 1.5, 0.45);
+    TimeNewton(state, "Yc", D / 2, [=](double y) {
+        const double alpha = std::acos(1 - 2 * y / D), sn = std::sin(alpha);
+        const double a = D * D / 4 * (alpha - sn * std::cos(alpha)), t = D * sn;
+        const double f = a * a * a / t - target;
+        const double dtdy = 2 * std::cos(alpha) / sn;
+        const double df = 3 * a * a - a * a * a * dtdy / (t * t);
+        return Within(y, y - f / df, D);
+    });
 }
 
 // A rating curve of the 1.5 m conduit: normal and critical depths for 40 discharges from 2 % to 99 %
@@ -164,13 +116,6 @@ void RatingCurve(benchmark::State& state, bool literal) {
         benchmark::Counter(static_cast<double>(state.iterations()) * 40,
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
-void BM_CurvaConducto_Literal(benchmark::State& s) {
-    RatingCurve(s, true);
-}
-void BM_CurvaConducto_Rapido(benchmark::State& s) {
-    RatingCurve(s, false);
-}
-
 // A trapezoid b 3, z 1.5, banks 1.5 m, flood zone 40 m wide, at twenty times bank-full.
 void Flood(benchmark::State& state, bool literal) {
     State st;
@@ -184,31 +129,25 @@ void Flood(benchmark::State& state, bool literal) {
     st.Lleno();
     st.Q = 20 * st.Qb;
     st.literal = literal;
-    for (auto _ : state) {
-        st.Qdesbord();
-        benchmark::DoNotOptimize(st.Yn + 0.0);
-    }
-    state.SetLabel("Yn " + std::to_string(st.Yn));
-}
-void BM_ZonaInundable_Literal(benchmark::State& s) {
-    Flood(s, true);
-}
-void BM_ZonaInundable_Rapido(benchmark::State& s) {
-    Flood(s, false);
+    TimeSearch(
+        state, st, "Yn", [](State& s) { s.Qdesbord(); }, [](const State& s) { return s.Yn; });
 }
 
-BENCHMARK(BM_ConductoYn_D1_5_Literal)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ConductoYn_D1_5_Rapido)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ConductoYn_D1_5_Newton)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ConductoYn5m_Literal)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ConductoYn5m_Rapido)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ConductoYn5m_Newton)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ConductoYc_D1_5_Literal)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ConductoYc_D1_5_Rapido)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ConductoYc_D1_5_Newton)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_CurvaConducto_Literal)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_CurvaConducto_Rapido)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ZonaInundable_Literal)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_ZonaInundable_Rapido)->Unit(benchmark::kMicrosecond);
+const bool kRegistered = [] {
+    using cauce::bench::LiteralAndFast;
+    LiteralAndFast(
+        "ConductoYn_D1_5", [](benchmark::State& s, bool literal) { NormalDepth(s, 1.5, 0.45, literal); },
+        [](benchmark::State& s) { NewtonNormal(s, 1.5, 0.45); });
+    LiteralAndFast(
+        "ConductoYn5m",
+        [](benchmark::State& s, bool literal) { NormalDepth(s, 12, ShareAt(12, 5), literal); },
+        [](benchmark::State& s) { NewtonNormal(s, 12, ShareAt(12, 5)); });
+    LiteralAndFast(
+        "ConductoYc_D1_5", [](benchmark::State& s, bool literal) { Critical(s, 1.5, 0.45, literal); },
+        [](benchmark::State& s) { NewtonCritical(s, 1.5, 0.45); });
+    LiteralAndFast("CurvaConducto", RatingCurve);
+    LiteralAndFast("ZonaInundable", Flood);
+    return true;
+}();
 
 }  // namespace

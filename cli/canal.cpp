@@ -127,24 +127,28 @@ int Report(const std::string& name, const Shown& s, Given given, Format format) 
     return kExitData;
 }
 
-int RunChannelCommand(const Options& o) {
+// Form1 run on the options by run, which checks the section's data first.
+int RunForm1Command(const Options& o, const char* name, bool conduit,
+                    const std::function<std::unique_ptr<forms::Screen>(Given, const std::string&)>& run) {
     const Format format = ParseFormat(o.format, true);
     if (format == Format::Csv) throw UsageError("--formato: use texto o json");
     const auto [given, value] = GivenValue(o);
-    const ChannelInput& c = o.channel;
-    CheckChannel(c);
-    const auto screen = RunChannel(c, given, value);
-    return Report("canal", ShownOnForm1(*screen, false, given), given, format);
+    const auto screen = run(given, value);
+    return Report(name, ShownOnForm1(*screen, conduit, given), given, format);
+}
+
+int RunChannelCommand(const Options& o) {
+    return RunForm1Command(o, "canal", false, [&o](Given given, const std::string& value) {
+        CheckChannel(o.channel);
+        return RunChannel(o.channel, given, value);
+    });
 }
 
 int RunConduitCommand(const Options& o) {
-    const Format format = ParseFormat(o.format, true);
-    if (format == Format::Csv) throw UsageError("--formato: use texto o json");
-    const auto [given, value] = GivenValue(o);
-    const ConduitInput& c = o.conduit;
-    CheckConduit(c);
-    const auto screen = RunConduit(c, given, value);
-    return Report("tubo", ShownOnForm1(*screen, true, given), given, format);
+    return RunForm1Command(o, "tubo", true, [&o](Given given, const std::string& value) {
+        CheckConduit(o.conduit);
+        return RunConduit(o.conduit, given, value);
+    });
 }
 
 void GivenOptions(CLI::App* app, Options& o) {
@@ -183,17 +187,17 @@ Command AddCanal(CLI::App& parent) {
         "canal", "Flujo uniforme en un canal trapezoidal, rectangular o triangular (Form1)");
     ChannelOptions(app, o.channel);
     GivenOptions(app, o);
-    app->footer(
+    return Described(
+        app,
         "Calcula como la pantalla Form1: elige la sección TRAPEZOIDAL, escribe los datos y oprime \"Yn?\"\n"
         "(con --caudal) o \"Q ?\" (con --tirante). Imprime cada resultado que la pantalla muestra con su\n"
         "leyenda y su mensaje (\"HAY DESBORDAMIENTO\", \"Falta la Rugosidad\", ...). Un dato omitido queda\n"
-        "en blanco, como en la pantalla. Sale con 1 si la pantalla no calculó la incógnita.\n"
-        "Ejemplos:\n"
-        "  cauce canal --base 2 --talud 1.5 --rugosidad 0.015 --pendiente 0.001 --caudal 5\n"
-        "  cauce canal --base 3 --talud 0 --rugosidad 0.013 --pendiente 0.002 --tirante 0.8\n"
-        "  cauce canal --base 2 --talud 1 --rugosidad 0.015 --pendiente 0.001 --altura 1 \\\n"
-        "              --ancho-zona 20 --rugosidad-zona 0.035 --caudal 15");
-    return {app, [] { return Guarded("canal", [] { return RunChannelCommand(o); }); }};
+        "en blanco, como en la pantalla. Sale con 1 si la pantalla no calculó la incógnita.",
+        {"cauce canal --base 2 --talud 1.5 --rugosidad 0.015 --pendiente 0.001 --caudal 5",
+         "cauce canal --base 3 --talud 0 --rugosidad 0.013 --pendiente 0.002 --tirante 0.8",
+         "cauce canal --base 2 --talud 1 --rugosidad 0.015 --pendiente 0.001 --altura 1 \\\n"
+         "              --ancho-zona 20 --rugosidad-zona 0.035 --caudal 15"},
+        [] { return RunChannelCommand(o); });
 }
 
 Command AddTubo(CLI::App& parent) {
@@ -202,15 +206,15 @@ Command AddTubo(CLI::App& parent) {
         parent.add_subcommand("tubo", "Flujo uniforme en un conducto circular parcialmente lleno (Form1)");
     ConduitOptions(app, o.conduit, true);
     GivenOptions(app, o);
-    app->footer(
+    return Described(
+        app,
         "Calcula como la pantalla Form1 con la sección CIRCULAR: \"Yn?\" con --caudal (no mayor que el\n"
         "caudal máximo, a 0.94 D) o \"Q ?\" con --tirante (\"Tubo lleno\" cuando es igual al diámetro).\n"
         "Imprime el caudal a tubo lleno, el máximo, Yn, T, V, Froude, Yc, Vc y las razones Yn/D, Vn/Vlleno\n"
-        "y Q/Qlleno. Sale con 1 si la pantalla no calculó la incógnita.\n"
-        "Ejemplos:\n"
-        "  cauce tubo --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --caudal 0.5\n"
-        "  cauce tubo --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --tirante 0.6 --formato json");
-    return {app, [] { return Guarded("tubo", [] { return RunConduitCommand(o); }); }};
+        "y Q/Qlleno. Sale con 1 si la pantalla no calculó la incógnita.",
+        {"cauce tubo --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --caudal 0.5",
+         "cauce tubo --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --tirante 0.6 --formato json"},
+        [] { return RunConduitCommand(o); });
 }
 
 }  // namespace cauce::cli

@@ -6,6 +6,7 @@
 #include "cli/args.hpp"
 #include "cli/command.hpp"
 #include "cli/spanish.hpp"
+#include "reach/run.hpp"
 
 #ifdef CAUCE_WITH_WORKBOOK
 #include "workbook/install.hpp"
@@ -45,6 +46,32 @@ int RunCommand(CLI::App&) {
             return c.run();
         }
     return 0;
+}
+
+void RecordOptions(CLI::App* app, std::string& sheet, std::string& record, const std::string& sheets) {
+    app->add_option("--hoja", sheet, "Hoja del libro (" + sheets + ")")->type_name("NOMBRE");
+    app->add_option("--registro", record, "Fila de la hoja (1 es la primera bajo los encabezados)")
+        ->type_name("N");
+}
+
+void CheckReachOptions(const std::string& sheet, const std::string& y_initial, const std::string& y_final) {
+    if (y_initial.empty() && y_final.empty())
+        throw UsageError(
+            "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
+            "\")");
+    if (!y_initial.empty()) NumberOption("--y-inicial", y_initial, Sign::Positive);
+    if (!y_final.empty()) NumberOption("--y-final", y_final, Sign::Positive);
+    if (!sheet.empty() && !reach::KindOfSheet(sheet))
+        throw UsageError("--hoja: \"" + sheet + "\" no es una hoja de perfiles (use " + reach::KindList() +
+                         ")");
+}
+
+Command Described(CLI::App* app, const std::string& about, std::initializer_list<const char*> examples,
+                  std::function<int()> body) {
+    std::string footer = about + "\nEjemplos:";
+    for (const char* example : examples) (footer += "\n  ") += example;
+    app->footer(footer);
+    return {app, [name = app->get_name(), body = std::move(body)] { return Guarded(name, body); }};
 }
 
 int Guarded(const std::string& name, const std::function<int()>& body) {

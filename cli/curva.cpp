@@ -332,10 +332,7 @@ Command AddCurva(CLI::App& parent) {
         parent.add_subcommand("curva", "Curva de gasto (profundidad normal contra caudal) de una sección");
     app->add_option("LIBRO", o.book, "Libro de Excel con la sección (con --hoja y --registro)")
         ->type_name("");
-    app->add_option("--hoja", o.sheet, "Hoja del libro (Persecc, Percanal, Zorvena, \"secciones \", Canales)")
-        ->type_name("NOMBRE");
-    app->add_option("--registro", o.record, "Fila de la hoja (1 es la primera bajo los encabezados)")
-        ->type_name("N");
+    RecordOptions(app, o.sheet, o.record, "Persecc, Percanal, Zorvena, \"secciones \", Canales");
     ChannelOptions(app, o.channel);
     ConduitOptions(app, o.conduit, false);
     app->add_option("--desde", o.from, "Primer caudal (m3/s)")->type_name("Q");
@@ -343,19 +340,18 @@ Command AddCurva(CLI::App& parent) {
     app->add_option("--paso", o.step, "Incremento del caudal (m3/s)")->type_name("DQ");
     app->add_option("--formato", o.format, "Tabla: texto (por omisión) o csv")->type_name("FORMATO");
     app->add_option("--png", o.png, "Dibuja además la curva en este archivo PNG")->type_name("ARCHIVO");
-    app->footer(
+    return Described(
+        app,
         "Cada caudal se calcula en una pantalla nueva, como lo haría una persona: la sección natural de un\n"
         "registro en Form5 (\"(Y?)\"), un canal o un conducto en Form1 (\"Yn?\"). La tabla da Q, Yn, Yc, la\n"
         "velocidad y el mensaje de la pantalla; el gráfico marca el caudal a banca llena (y el máximo de un\n"
-        "conducto).\n"
-        "Ejemplos:\n"
-        "  cauce curva Rios.xlsx --hoja Persecc --registro 3 --desde 5 --hasta 80 --paso 5\n"
-        "  cauce curva --base 2 --talud 1.5 --rugosidad 0.015 --pendiente 0.001 --desde 1 --hasta 20 --paso "
-        "1 \\\n"
-        "              --formato csv --png curva.png\n"
-        "  cauce curva --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --desde 0.05 --hasta 1.2 --paso "
-        "0.05");
-    return {app, [] { return Guarded("curva", [] { return Run(o); }); }};
+        "conducto).",
+        {"cauce curva Rios.xlsx --hoja Persecc --registro 3 --desde 5 --hasta 80 --paso 5",
+         "cauce curva --base 2 --talud 1.5 --rugosidad 0.015 --pendiente 0.001 --desde 1 --hasta 20 --paso 1 "
+         "\\\n              --formato csv --png curva.png",
+         "cauce curva --diametro 0.9 --rugosidad 0.013 --pendiente 0.002 --desde 0.05 --hasta 1.2 --paso "
+         "0.05"},
+        [] { return Run(o); });
 }
 
 }  // namespace cauce::cli

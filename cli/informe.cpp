@@ -18,14 +18,7 @@ struct Options {
 
 int Run(const Options& o) {
     if (o.output.empty()) throw UsageError("falta -o ARCHIVO.pdf: dónde escribir el informe");
-    if (o.y_initial.empty() && o.y_final.empty())
-        throw UsageError(
-            "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
-            "\")");
-    if (!o.y_initial.empty()) NumberOption("--y-inicial", o.y_initial, Sign::Positive);
-    if (!o.y_final.empty()) NumberOption("--y-final", o.y_final, Sign::Positive);
-    if (!o.sheet.empty() && !KindOfSheet(o.sheet))
-        throw UsageError("--hoja: \"" + o.sheet + "\" no es una hoja de perfiles (use " + KindList() + ")");
+    CheckReachOptions(o.sheet, o.y_initial, o.y_final);
     if (!CanDraw()) throw UsageError(CannotDraw());
     return WriteReport(o.book, ReachOptions{o.sheet, o.y_initial, o.y_final, false}, o.project, o.output);
 }
@@ -51,17 +44,17 @@ Command AddInforme(CLI::App& parent) {
     app->add_option("--reviso", o.project.reviso, "Revisó (si no, el guardado en el libro)")
         ->type_name("TEXTO");
     app->add_flag("--guardar", o.project.store, "Guarda en el libro los datos del proyecto dados");
-    app->footer(
+    return Described(
+        app,
         "El tramo se calcula como en \"cauce perfil\" (las mismas pantallas, los mismos números) y el "
         "informe\n"
         "reúne los datos de entrada de cada sección, sus resultados, la tabla del perfil, el dibujo de cada\n"
         "sección transversal y el perfil longitudinal. El archivo se escribe completo o no se escribe.\n"
         "Los datos del proyecto (Proyecto, Cliente, Autor, Revisó) se leen de las propiedades del libro;\n"
-        "las opciones los cambian solo para este informe, salvo con --guardar, que los guarda en el libro.\n"
-        "Ejemplos:\n"
-        "  cauce informe Rios.xlsx --y-inicial 1.8 -o informe.pdf\n"
-        "  cauce informe Ormandi.xlsx --y-final 2.5 -o rio-negro.pdf");
-    return {app, [] { return Guarded("informe", [] { return Run(o); }); }};
+        "las opciones los cambian solo para este informe, salvo con --guardar, que los guarda en el libro.",
+        {"cauce informe Rios.xlsx --y-inicial 1.8 -o informe.pdf",
+         "cauce informe Ormandi.xlsx --y-final 2.5 -o rio-negro.pdf"},
+        [] { return Run(o); });
 }
 
 }  // namespace cauce::cli

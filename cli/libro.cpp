@@ -51,70 +51,64 @@ Command AddLibro(CLI::App& parent) {
         ->type_name("");
     nuevo->callback([] { verb = "nuevo"; });
 
-    CLI::App* agregar = app->add_subcommand("agregar", "Agrega un registro después de otro");
-    agregar->add_option("LIBRO", o.book, "Libro del tramo")->required()->type_name("");
-    agregar->add_option("--hoja", o.sheet, "Hoja (por omisión, la primera hoja de perfiles)")
-        ->type_name("NOMBRE");
+    // The verbs on a reach's workbook: its file and its sheet.
+    const auto on_reach = [app](const char* name, const char* description) {
+        CLI::App* verb_app = app->add_subcommand(name, description);
+        verb_app->add_option("LIBRO", o.book, "Libro del tramo")->required()->type_name("");
+        verb_app->add_option("--hoja", o.sheet, "Hoja (por omisión, la primera hoja de perfiles)")
+            ->type_name("NOMBRE");
+        return verb_app;
+    };
+    CLI::App* agregar = on_reach("agregar", "Agrega un registro después de otro");
     agregar
         ->add_option("--despues", o.after,
                      "Registro tras el que se agrega (0: al principio; por omisión, al final)")
         ->type_name("R");
     agregar->callback([] { verb = "agregar"; });
 
-    CLI::App* eliminar = app->add_subcommand("eliminar", "Elimina un registro");
-    eliminar->add_option("LIBRO", o.book, "Libro del tramo")->required()->type_name("");
-    eliminar->add_option("--hoja", o.sheet, "Hoja (por omisión, la primera hoja de perfiles)")
-        ->type_name("NOMBRE");
+    CLI::App* eliminar = on_reach("eliminar", "Elimina un registro");
     eliminar->add_option("--registro", o.record, "Registro que se elimina")->required()->type_name("R");
     eliminar->callback([] { verb = "eliminar"; });
 
-    CLI::App* renumerar = app->add_subcommand("renumerar", "Numera las secciones por su orden");
-    renumerar->add_option("LIBRO", o.book, "Libro del tramo")->required()->type_name("");
-    renumerar->add_option("--hoja", o.sheet, "Hoja (por omisión, la primera hoja de perfiles)")
-        ->type_name("NOMBRE");
+    CLI::App* renumerar = on_reach("renumerar", "Numera las secciones por su orden");
     renumerar->callback([] { verb = "renumerar"; });
 
-    app->footer(
+    return Described(
+        app,
         "\"nuevo\" escribe las hojas Canales, Persecc, secciones , Percanal y Zorvena con la fila de\n"
         "encabezados que usan las pantallas y un registro; nunca reemplaza un archivo existente.\n"
         "\"agregar\" copia del registro anterior los valores de todo el tramo (No# secciones, Caudal,\n"
         "Rugosidad Zi, Darrastre) y numera la sección nueva; \"renumerar\" pone en SecId el orden de cada\n"
-        "registro y en No# secciones su número.\n"
-        "Ejemplos:\n"
-        "  cauce libro nuevo tramo.xlsx\n"
-        "  cauce libro agregar tramo.xlsx --hoja Persecc\n"
-        "  cauce libro eliminar tramo.xlsx --hoja Persecc --registro 3\n"
-        "  cauce libro renumerar tramo.xlsx --hoja Persecc");
-    return {app, [] {
-                return Guarded("libro", [] {
-                    if (verb == "nuevo")
-                        return Data(verb, [] {
-                            reach::CreateReachWorkbook(o.book);
-                            std::cout << "Libro nuevo escrito en " << o.book << "\n";
-                        });
-                    if (verb == "agregar")
-                        return Data(verb, [] {
-                            const std::string sheet = SheetOf(o);
-                            int after = o.after;
-                            if (after < 0) after = reach::RecordCountOf(o.book, sheet);  // at the end
-                            const int added = reach::AddRecord(o.book, sheet, after);
-                            std::cout << "Registro " << added << " agregado en la hoja \"" << sheet << "\"\n";
-                        });
-                    if (verb == "eliminar")
-                        return Data(verb, [] {
-                            const std::string sheet = SheetOf(o);
-                            reach::DeleteRecord(o.book, sheet, o.record);
-                            std::cout << "Registro " << o.record << " eliminado de la hoja \"" << sheet
-                                      << "\"\n";
-                        });
-                    return Data(verb, [] {
-                        const std::string sheet = SheetOf(o);
-                        const int n = reach::RenumberReach(o.book, sheet);
-                        std::cout << "Hoja \"" << sheet << "\": " << n << " secciones numeradas de 1 a " << n
-                                  << "\n";
-                    });
+        "registro y en No# secciones su número.",
+        {"cauce libro nuevo tramo.xlsx", "cauce libro agregar tramo.xlsx --hoja Persecc",
+         "cauce libro eliminar tramo.xlsx --hoja Persecc --registro 3",
+         "cauce libro renumerar tramo.xlsx --hoja Persecc"},
+        [] {
+            if (verb == "nuevo")
+                return Data(verb, [] {
+                    reach::CreateReachWorkbook(o.book);
+                    std::cout << "Libro nuevo escrito en " << o.book << "\n";
                 });
-            }};
+            if (verb == "agregar")
+                return Data(verb, [] {
+                    const std::string sheet = SheetOf(o);
+                    int after = o.after;
+                    if (after < 0) after = reach::RecordCountOf(o.book, sheet);  // at the end
+                    const int added = reach::AddRecord(o.book, sheet, after);
+                    std::cout << "Registro " << added << " agregado en la hoja \"" << sheet << "\"\n";
+                });
+            if (verb == "eliminar")
+                return Data(verb, [] {
+                    const std::string sheet = SheetOf(o);
+                    reach::DeleteRecord(o.book, sheet, o.record);
+                    std::cout << "Registro " << o.record << " eliminado de la hoja \"" << sheet << "\"\n";
+                });
+            return Data(verb, [] {
+                const std::string sheet = SheetOf(o);
+                const int n = reach::RenumberReach(o.book, sheet);
+                std::cout << "Hoja \"" << sheet << "\": " << n << " secciones numeradas de 1 a " << n << "\n";
+            });
+        });
 }
 
 }  // namespace cauce::cli

@@ -201,14 +201,7 @@ Methods ParseMethods(const Options& o) {
 int Run(const Options& o) {
     const Format format = ParseFormat(o.format, true);
     const Methods methods = ParseMethods(o);
-    if (o.y_initial.empty() && o.y_final.empty())
-        throw UsageError(
-            "falta el tirante en la última sección: --y-inicial (Persecc, Percanal) o --y-final (\"secciones "
-            "\")");
-    if (!o.y_initial.empty()) NumberOption("--y-inicial", o.y_initial, Sign::Positive);
-    if (!o.y_final.empty()) NumberOption("--y-final", o.y_final, Sign::Positive);
-    if (!o.sheet.empty() && !KindOfSheet(o.sheet))
-        throw UsageError("--hoja: \"" + o.sheet + "\" no es una hoja de perfiles (use " + KindList() + ")");
+    CheckReachOptions(o.sheet, o.y_initial, o.y_final);
 
     ReachOptions ro{o.sheet, o.y_initial, o.y_final, o.save};
     standard_step::Options so;
@@ -309,21 +302,21 @@ Command AddPerfil(CLI::App& parent) {
                     "CSV: \",\" con punto decimal (por omisión) o \";\" con coma decimal, para hojas de "
                     "cálculo en español")
         ->type_name("SEP");
-    app->footer(
+    return Described(
+        app,
         "Cada libro se calcula como en la pantalla: \"(Y?)\" en cada registro (la sección número N al "
         "final),\n"
         "luego el tirante y \"Perfiles\". Se imprimen por sección Yn, Yc, el caudal a banca llena y si "
         "desborda,\n"
         "y la tabla del perfil (abscisa, tipo, cota del agua, velocidad y, en Form3, socavación).\n"
         "Sale con 0 si todo se calculó, 1 si un libro o una sección no se pudo calcular, 2 si la orden está "
-        "mal.\n"
-        "Ejemplos:\n"
-        "  cauce perfil Rios.xlsx --y-inicial 1.8\n"
-        "  cauce perfil Rios.xlsx --hoja Percanal --y-inicial 1.2 --formato csv > perfil.csv\n"
-        "  cauce perfil Ormandi.xlsx --y-final 2.5 --formato json\n"
-        "  cauce perfil tramo-*.xlsx --y-inicial 1.8 --guardar\n"
-        "  cauce perfil Rios.xlsx --y-inicial 2.2 --metodo ambos");
-    return {app, [] { return Guarded("perfil", [] { return Run(o); }); }};
+        "mal.",
+        {"cauce perfil Rios.xlsx --y-inicial 1.8",
+         "cauce perfil Rios.xlsx --hoja Percanal --y-inicial 1.2 --formato csv > perfil.csv",
+         "cauce perfil Ormandi.xlsx --y-final 2.5 --formato json",
+         "cauce perfil tramo-*.xlsx --y-inicial 1.8 --guardar",
+         "cauce perfil Rios.xlsx --y-inicial 2.2 --metodo ambos"},
+        [] { return Run(o); });
 }
 
 }  // namespace cauce::cli

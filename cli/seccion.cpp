@@ -158,16 +158,12 @@ int Run(const Options& o) {
             return kExitData;
         }
     }
-    switch (format) {
-        case Format::Text:
-            PrintText(s, o.points == "-" ? "la entrada" : o.points);
-            break;
-        case Format::Csv:
-            PrintCsv(s);
-            break;
-        case Format::Json:
-            PrintJson(s);
-            break;
+    if (format == Format::Csv) {
+        PrintCsv(s);
+    } else if (format == Format::Json) {
+        PrintJson(s);
+    } else {
+        PrintText(s, o.points == "-" ? "la entrada" : o.points);
     }
     return kExitOk;
 }
@@ -186,11 +182,9 @@ Command AddSeccion(CLI::App& parent) {
     app->add_option("--formato", o.format, "Salida: texto (por omisión), csv o json")->type_name("FORMATO");
     app->add_option("--libro", o.book, "Escribe los niveles en este libro de Excel (con --hoja y --registro)")
         ->type_name("LIBRO");
-    app->add_option("--hoja", o.sheet, "Hoja del libro (Persecc, Percanal, Zorvena, \"secciones \")")
-        ->type_name("NOMBRE");
-    app->add_option("--registro", o.record, "Fila de la hoja (1 es la primera bajo los encabezados)")
-        ->type_name("N");
-    app->footer(
+    RecordOptions(app, o.sheet, o.record, "Persecc, Percanal, Zorvena, \"secciones \"");
+    return Described(
+        app,
         "Los puntos van uno por línea, abscisa y cota separadas por tabulador, punto y coma, coma o "
         "espacios; la\n"
         "coma decimal vale cuando no separa los números. Se admite una línea de encabezados. El cauce es lo "
@@ -203,12 +197,10 @@ Command AddSeccion(CLI::App& parent) {
         "máximas\n"
         "de área y de perímetro mojado. Con --libro, los niveles se escriben en z1..z15 y t1..t15 del "
         "registro\n"
-        "(los que sobran se borran) y el libro se guarda; si algo falla no se escribe nada.\n"
-        "Ejemplos:\n"
-        "  cauce seccion levantamiento.csv\n"
-        "  cauce seccion levantamiento.txt --niveles 10 --formato json\n"
-        "  cauce seccion levantamiento.csv --libro Rios.xlsx --hoja Persecc --registro 3");
-    return {app, [] { return Guarded("seccion", [] { return Run(o); }); }};
+        "(los que sobran se borran) y el libro se guarda; si algo falla no se escribe nada.",
+        {"cauce seccion levantamiento.csv", "cauce seccion levantamiento.txt --niveles 10 --formato json",
+         "cauce seccion levantamiento.csv --libro Rios.xlsx --hoja Persecc --registro 3"},
+        [] { return Run(o); });
 }
 
 }  // namespace cauce::cli

@@ -5,6 +5,7 @@
 
 #include "cli/args.hpp"
 #include "cli/text_table.hpp"
+#include "screens/standard_reach.hpp"
 
 namespace cauce::cli {
 
@@ -63,23 +64,13 @@ void PrintStandardText(std::ostream& out, const ReachResult& r, bool with_legacy
         out << "\nPerfil por paso estándar: " << st.error << "\n";
     } else {
         out << "\nPerfil por paso estándar (régimen mixto)\n";
-        std::vector<std::string> head{"Sección", "Abscisa m", "Y m", "Z agua m", "Z energía m",
-                                      "V m/s",   "Froude",    "Sf",  "Régimen",  "Yc m"};
+        std::vector<std::string> head = screens::StandardHeads();
         const bool scour = HasScour(r);
         if (scour) head.push_back("Ysoc m");
         if (with_legacy) head.push_back("Dif. legado m");
         TextTable t(head);
         for (const auto& s : st.sections) {
-            std::vector<std::string> cells{std::to_string(s.number),
-                                           Fixed(s.chainage, 2),
-                                           Fixed(s.y, 3),
-                                           Fixed(s.z_water, 3),
-                                           Fixed(s.z_energy, 3),
-                                           Fixed(s.v, 2),
-                                           Fixed(s.froude, 2),
-                                           Fixed(s.sf, 6),
-                                           standard_step::RegimeName(s.regime),
-                                           Fixed(s.yc, 3)};
+            std::vector<std::string> cells = screens::StandardCells(s, Fixed);
             if (scour) cells.push_back(s.scour ? Fixed(*s.scour, 2) : "");
             if (with_legacy) {
                 const auto d = Difference(r, s);

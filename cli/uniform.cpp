@@ -23,6 +23,15 @@ ShownRow Row(const forms::Screen& s, ControlName label, std::initializer_list<Co
     return r;
 }
 
+// The value given in its box, then the button that computes the other: a depth for a discharge or a
+// discharge for a depth.
+void Ask(forms::Screen& s, Given given, const std::string& value, ControlName for_depth,
+         ControlName for_discharge) {
+    const bool discharge = given == Given::Discharge;
+    s.Type(discharge ? box::Discharge : box::NormalDepth, value);
+    s.Click(discharge ? for_depth : for_discharge);
+}
+
 bool Blank(const ShownRow& r) {
     for (const auto& v : r.values)
         if (!v.empty()) return false;
@@ -41,13 +50,7 @@ std::unique_ptr<forms::Screen> RunChannel(const ChannelInput& in, Given given, c
                  {box::BankHeight, &in.h},
                  {box::FloodWidth, &in.Bz},
                  {box::FloodRoughness, &in.nz}});
-    if (given == Given::Discharge) {
-        s->Type(box::Discharge, value);
-        s->Click(button::NormalDepth);
-    } else {
-        s->Type(box::NormalDepth, value);
-        s->Click(button::Discharge);
-    }
+    Ask(*s, given, value, button::NormalDepth, button::Discharge);
     return s;
 }
 
@@ -55,13 +58,7 @@ std::unique_ptr<forms::Screen> RunConduit(const ConduitInput& in, Given given, c
     auto s = screens::MakeScreen("Form1");
     s->Click(button::Circular);
     TypeAll(*s, {{box::Roughness, &in.n}, {box::Slope, &in.S}, {box::Diameter, &in.D}});
-    if (given == Given::Discharge) {
-        s->Type(box::Discharge, value);
-        s->Click(button::ConduitNormalDepth);
-    } else {
-        s->Type(box::NormalDepth, value);
-        s->Click(button::ConduitDischarge);
-    }
+    Ask(*s, given, value, button::ConduitNormalDepth, button::ConduitDischarge);
     return s;
 }
 

@@ -20,19 +20,9 @@ SourceOpener GetSourceOpener() {
 }
 
 const char* KindName(Kind kind) {
-    switch (kind) {
-        case Kind::TextBox:
-            return "TextBox";
-        case Kind::Label:
-            return "Label";
-        case Kind::CommandButton:
-            return "CommandButton";
-        case Kind::PictureBox:
-            return "PictureBox";
-        case Kind::Data:
-            return "Data";
-    }
-    return "";
+    // By Kind, in its order.
+    static constexpr const char* kNames[] = {"TextBox", "Label", "CommandButton", "PictureBox", "Data"};
+    return kNames[static_cast<int>(kind)];
 }
 
 Screen::Screen(std::string name, std::string title) : name_(std::move(name)), title_(std::move(title)) {}

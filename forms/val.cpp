@@ -42,37 +42,67 @@ double RadixValue(std::string_view s, std::size_t pos, int radix) {
 
 }  // namespace
 
-double Val(std::string_view s) {
+namespace {
+
+// What the legacy reading takes of a text.
+struct Reading {
+    int radix = 10;                            // 16 or 8 after "&H" or "&O"
+    std::size_t start = 0;                     // there, where the digits begin
+    std::size_t end = std::string_view::npos;  // where the reading stops; npos when no digit was read
+    std::string clean;  // a decimal number without its blanks, its exponent as "e" and the digits
+};
+
+int DigitValue(char c) {
+    if (IsDigit(c)) return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+Reading Read(std::string_view s) {
+    Reading r;
     std::size_t pos = 0;
-    while (pos < s.size() && IsBlank(s[pos])) ++pos;
-    if (pos + 1 < s.size() && s[pos] == '&') {
-        const char r = s[pos + 1];
-        if (r == 'h' || r == 'H') return RadixValue(s, pos + 2, 16);
-        if (r == 'o' || r == 'O') return RadixValue(s, pos + 2, 8);
-    }
-    // Gather the number without its blanks, then convert it exactly and without locale.
-    std::string clean;
-    bool digits = false, point = false;
     auto skip_blanks = [&] {
         while (pos < s.size() && IsBlank(s[pos])) ++pos;
     };
+    skip_blanks();
+    if (pos + 1 < s.size() && s[pos] == '&') {
+        const char x = s[pos + 1];
+        r.radix = x == 'h' || x == 'H' ? 16 : x == 'o' || x == 'O' ? 8 : 10;
+        if (r.radix != 10) {
+            r.start = pos + 2;
+            bool digits = false;
+            for (pos = r.start; pos < s.size(); ++pos) {
+                const int d = DigitValue(s[pos]);
+                if (d >= 0 && d < r.radix) {
+                    digits = true;
+                } else if (!IsBlank(s[pos])) {
+                    break;
+                }
+            }
+            if (digits) r.end = pos;
+            return r;
+        }
+    }
+    bool digits = false, point = false;
     if (pos < s.size() && (s[pos] == '-' || s[pos] == '+')) {
-        clean += s[pos++];
+        r.clean += s[pos++];
         skip_blanks();
     }
     for (; pos < s.size(); ++pos) {
         const char c = s[pos];
         if (IsDigit(c)) {
-            clean += c;
+            r.clean += c;
             digits = true;
         } else if (c == '.' && !point) {
-            clean += c;
+            r.clean += c;
             point = true;
         } else if (!IsBlank(c)) {
             break;
         }
     }
-    if (!digits) return 0;
+    if (!digits) return r;
+    r.end = pos;
     // Exponent: E or D, an optional sign and at least one digit; otherwise it is not part of it.
     if (pos < s.size() && (s[pos] == 'e' || s[pos] == 'E' || s[pos] == 'd' || s[pos] == 'D')) {
         std::size_t q = pos + 1;
@@ -88,8 +118,22 @@ double Val(std::string_view s) {
                 break;
             }
         }
-        if (exp_digits) clean += exp;
+        if (exp_digits) {
+            r.clean += exp;
+            r.end = q;
+        }
     }
+    return r;
+}
+
+}  // namespace
+
+double Val(std::string_view s) {
+    const Reading r = Read(s);
+    if (r.radix != 10) return RadixValue(s, r.start, r.radix);
+    if (r.end == std::string_view::npos) return 0;
+    // The number gathered without its blanks, converted exactly and without locale.
+    const std::string& clean = r.clean;
     double v = 0;
     const char* first = clean.data();
     if (*first == '+') ++first;
@@ -103,6 +147,10 @@ double Val(std::string_view s) {
     }
     (void)ptr;
     return v;
+}
+
+std::size_t ValEnd(std::string_view s) {
+    return Read(s).end;
 }
 
 int CInt(double x) {

@@ -18,6 +18,7 @@
 #include <cstring>
 #include <thread>
 
+#include "platform/os.hpp"
 #include "platform/platform.hpp"
 
 extern char** environ;
@@ -30,7 +31,7 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 [[noreturn]] void Throw(int err) {
-    throw Error(CauseOf(err), err, Reason(err));
+    os::Throw(err);
 }
 
 // A descriptor closed when it goes out of scope.
@@ -82,52 +83,18 @@ std::int64_t MtimeNs(const struct stat& st) {
 }  // namespace
 
 Cause CauseOf(int code) {
-    switch (code) {
-        case ENOSPC:
-        case EDQUOT:
-        case EFBIG:
-            return Cause::NoSpace;
-        case EACCES:
-        case EPERM:
-            return Cause::Permission;
-        case EROFS:
-            return Cause::ReadOnlyDisk;
-        case ENOENT:
-            return Cause::NotFound;
-        case ENOTDIR:
-            return Cause::NotFolder;
-        case EEXIST:
-            return Cause::Exists;
-        case EIO:
-            return Cause::Io;
-        case ENAMETOOLONG:
-            return Cause::NameTooLong;
-        default:
-            return Cause::Other;
-    }
+    static constexpr os::KnownCode kCauses[] = {
+        {ENOSPC, Cause::NoSpace},          {EDQUOT, Cause::NoSpace},
+        {EFBIG, Cause::NoSpace},           {EACCES, Cause::Permission},
+        {EPERM, Cause::Permission},        {EROFS, Cause::ReadOnlyDisk},
+        {ENOENT, Cause::NotFound},         {ENOTDIR, Cause::NotFolder},
+        {EEXIST, Cause::Exists},           {EIO, Cause::Io},
+        {ENAMETOOLONG, Cause::NameTooLong}};
+    return os::CauseIn(kCauses, code);
 }
 
 std::string Reason(int code) {
-    switch (CauseOf(code)) {
-        case Cause::NoSpace:
-            return "no hay espacio en el disco";
-        case Cause::Permission:
-            return "no hay permiso de escritura";
-        case Cause::ReadOnlyDisk:
-            return "el disco es de solo lectura";
-        case Cause::NotFound:
-            return "la carpeta no existe";
-        case Cause::NotFolder:
-            return "la ruta no es una carpeta";
-        case Cause::Exists:
-            return "el archivo ya existe";
-        case Cause::Io:
-            return "error de entrada y salida del disco";
-        case Cause::NameTooLong:
-            return "el nombre es demasiado largo";
-        case Cause::Other:
-            break;
-    }
+    if (const char* reason = os::CommonReason(CauseOf(code))) return reason;
     return "error del sistema " + std::to_string(code) + " (" + std::strerror(code) + ")";
 }
 
@@ -157,17 +124,13 @@ bool MarkedWritable(const fs::path& path) {
 std::string ReadFile(const fs::path& path, std::size_t limit) {
     Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (fd.get() < 0) Throw(errno);
-    std::string bytes;
-    char buf[65536];
-    while (bytes.size() <= limit) {
-        const ssize_t n = ::read(fd.get(), buf, sizeof buf);
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) Throw(errno);
-        if (n == 0) break;
-        bytes.append(buf, static_cast<std::size_t>(
-                              std::min<std::size_t>(static_cast<std::size_t>(n), limit + 1 - bytes.size())));
-    }
-    return bytes;
+    return os::ReadUpTo(limit, [&fd](char* buf, std::size_t size) {
+        for (;;) {
+            const ssize_t n = ::read(fd.get(), buf, size);
+            if (n >= 0) return static_cast<std::size_t>(n);
+            if (errno != EINTR) Throw(errno);
+        }
+    });
 }
 
 void ReplaceFile(const fs::path& target, std::string_view bytes,
@@ -232,45 +195,22 @@ bool RemoveFile(const fs::path& path) {
     Throw(errno);
 }
 
-std::optional<FileLock> FileLock::Acquire(const fs::path& path, std::chrono::milliseconds timeout) {
+std::intptr_t os::OpenLockFile(const fs::path& path) {
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
     if (fd < 0) Throw(errno);
-    const auto deadline = Clock::now() + timeout;
-    for (;;) {
-        if (::flock(fd, LOCK_EX | LOCK_NB) == 0) return FileLock(fd);
-        const int err = errno;
-        if ((err != EWOULDBLOCK && err != EINTR) || Clock::now() >= deadline) {
-            ::close(fd);
-            if (err == EWOULDBLOCK || err == EINTR) return std::nullopt;
-            Throw(err);
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    return fd;
 }
 
-FileLock::FileLock(FileLock&& other) noexcept : handle_(other.handle_) {
-    other.handle_ = -1;
+os::LockTry os::TryLock(std::intptr_t handle, int& error) {
+    if (::flock(static_cast<int>(handle), LOCK_EX | LOCK_NB) == 0) return LockTry::Locked;
+    error = errno;
+    return error == EWOULDBLOCK || error == EINTR ? LockTry::Busy : LockTry::Failed;
 }
 
-FileLock& FileLock::operator=(FileLock&& other) noexcept {
-    if (this != &other) {
-        Release();
-        handle_ = other.handle_;
-        other.handle_ = -1;
-    }
-    return *this;
-}
-
-FileLock::~FileLock() {
-    Release();
-}
-
-void FileLock::Release() noexcept {
-    if (handle_ < 0) return;
-    const int fd = static_cast<int>(handle_);
+void os::UnlockAndClose(std::intptr_t handle) noexcept {
+    const int fd = static_cast<int>(handle);
     ::flock(fd, LOCK_UN);
     ::close(fd);
-    handle_ = -1;
 }
 
 fs::path UserDataFolder() {

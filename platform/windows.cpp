@@ -17,6 +17,7 @@
 #include <random>
 #include <thread>
 
+#include "platform/os.hpp"
 #include "platform/platform.hpp"
 
 namespace cauce::platform {
@@ -27,7 +28,7 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 [[noreturn]] void Throw(DWORD err) {
-    throw Error(CauseOf(static_cast<int>(err)), static_cast<int>(err), Reason(static_cast<int>(err)));
+    os::Throw(static_cast<int>(err));
 }
 
 [[noreturn]] void ThrowLast() {
@@ -112,58 +113,30 @@ std::wstring QuoteArgument(const std::wstring& a) {
 }  // namespace
 
 Cause CauseOf(int code) {
-    switch (static_cast<DWORD>(code)) {
-        case ERROR_DISK_FULL:
-        case ERROR_HANDLE_DISK_FULL:
-        case ERROR_FILE_TOO_LARGE:
-            return Cause::NoSpace;
-        case ERROR_ACCESS_DENIED:
-        case ERROR_SHARING_VIOLATION:
-        case ERROR_LOCK_VIOLATION:
-            return Cause::Permission;
-        case ERROR_WRITE_PROTECT:
-            return Cause::ReadOnlyDisk;
-        case ERROR_FILE_NOT_FOUND:
-        case ERROR_PATH_NOT_FOUND:
-            return Cause::NotFound;
-        case ERROR_DIRECTORY:
-            return Cause::NotFolder;
-        case ERROR_FILE_EXISTS:
-        case ERROR_ALREADY_EXISTS:
-            return Cause::Exists;
-        case ERROR_CRC:
-        case ERROR_READ_FAULT:
-        case ERROR_WRITE_FAULT:
-            return Cause::Io;
-        case ERROR_FILENAME_EXCED_RANGE:
-            return Cause::NameTooLong;
-        default:
-            return Cause::Other;
-    }
+    static constexpr os::KnownCode kCauses[] = {{ERROR_DISK_FULL, Cause::NoSpace},
+                                                {ERROR_HANDLE_DISK_FULL, Cause::NoSpace},
+                                                {ERROR_FILE_TOO_LARGE, Cause::NoSpace},
+                                                {ERROR_ACCESS_DENIED, Cause::Permission},
+                                                {ERROR_SHARING_VIOLATION, Cause::Permission},
+                                                {ERROR_LOCK_VIOLATION, Cause::Permission},
+                                                {ERROR_WRITE_PROTECT, Cause::ReadOnlyDisk},
+                                                {ERROR_FILE_NOT_FOUND, Cause::NotFound},
+                                                {ERROR_PATH_NOT_FOUND, Cause::NotFound},
+                                                {ERROR_DIRECTORY, Cause::NotFolder},
+                                                {ERROR_FILE_EXISTS, Cause::Exists},
+                                                {ERROR_ALREADY_EXISTS, Cause::Exists},
+                                                {ERROR_CRC, Cause::Io},
+                                                {ERROR_READ_FAULT, Cause::Io},
+                                                {ERROR_WRITE_FAULT, Cause::Io},
+                                                {ERROR_FILENAME_EXCED_RANGE, Cause::NameTooLong}};
+    return os::CauseIn(kCauses, static_cast<DWORD>(code));
 }
 
 std::string Reason(int code) {
-    switch (CauseOf(code)) {
-        case Cause::NoSpace:
-            return "no hay espacio en el disco";
-        case Cause::Permission:
-            return static_cast<DWORD>(code) == ERROR_ACCESS_DENIED ? "no hay permiso de escritura"
-                                                                   : "otro programa tiene el archivo abierto";
-        case Cause::ReadOnlyDisk:
-            return "el disco es de solo lectura";
-        case Cause::NotFound:
-            return "la carpeta no existe";
-        case Cause::NotFolder:
-            return "la ruta no es una carpeta";
-        case Cause::Exists:
-            return "el archivo ya existe";
-        case Cause::Io:
-            return "error de entrada y salida del disco";
-        case Cause::NameTooLong:
-            return "el nombre es demasiado largo";
-        case Cause::Other:
-            break;
-    }
+    const Cause cause = CauseOf(code);
+    if (cause == Cause::Permission && static_cast<DWORD>(code) != ERROR_ACCESS_DENIED)
+        return "otro programa tiene el archivo abierto";
+    if (const char* reason = os::CommonReason(cause)) return reason;
     return "error del sistema " + std::to_string(code);
 }
 
@@ -202,15 +175,11 @@ std::string ReadFile(const fs::path& path, std::size_t limit) {
     Handle h(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                            nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!h.valid()) ThrowLast();
-    std::string bytes;
-    char buf[65536];
-    while (bytes.size() <= limit) {
+    return os::ReadUpTo(limit, [&h](char* buf, std::size_t size) {
         DWORD n = 0;
-        if (!::ReadFile(h.get(), buf, sizeof buf, &n, nullptr)) ThrowLast();
-        if (n == 0) break;
-        bytes.append(buf, std::min<std::size_t>(n, limit + 1 - bytes.size()));
-    }
-    return bytes;
+        if (!::ReadFile(h.get(), buf, static_cast<DWORD>(size), &n, nullptr)) ThrowLast();
+        return static_cast<std::size_t>(n);
+    });
 }
 
 void ReplaceFile(const fs::path& target, std::string_view bytes,
@@ -279,50 +248,29 @@ bool RemoveFile(const fs::path& path) {
     Throw(err);
 }
 
-std::optional<FileLock> FileLock::Acquire(const fs::path& path, std::chrono::milliseconds timeout) {
+std::intptr_t os::OpenLockFile(const fs::path& path) {
     HANDLE h = ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
                              FILE_ATTRIBUTE_NORMAL, nullptr);
     if (h == INVALID_HANDLE_VALUE) ThrowLast();
-    const auto deadline = Clock::now() + timeout;
-    for (;;) {
-        OVERLAPPED o{};
-        if (::LockFileEx(h, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, MAXDWORD, MAXDWORD, &o))
-            return FileLock(reinterpret_cast<std::intptr_t>(h));
-        const DWORD err = ::GetLastError();
-        if (err != ERROR_LOCK_VIOLATION || Clock::now() >= deadline) {
-            ::CloseHandle(h);
-            if (err == ERROR_LOCK_VIOLATION) return std::nullopt;
-            Throw(err);
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    return reinterpret_cast<std::intptr_t>(h);
 }
 
-FileLock::FileLock(FileLock&& other) noexcept : handle_(other.handle_) {
-    other.handle_ = -1;
+os::LockTry os::TryLock(std::intptr_t handle, int& error) {
+    OVERLAPPED o{};
+    if (::LockFileEx(reinterpret_cast<HANDLE>(handle), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0,
+                     MAXDWORD, MAXDWORD, &o))
+        return LockTry::Locked;
+    const DWORD err = ::GetLastError();
+    error = static_cast<int>(err);
+    return err == ERROR_LOCK_VIOLATION ? LockTry::Busy : LockTry::Failed;
 }
 
-FileLock& FileLock::operator=(FileLock&& other) noexcept {
-    if (this != &other) {
-        Release();
-        handle_ = other.handle_;
-        other.handle_ = -1;
-    }
-    return *this;
-}
-
-FileLock::~FileLock() {
-    Release();
-}
-
-void FileLock::Release() noexcept {
-    if (handle_ == -1) return;
-    HANDLE h = reinterpret_cast<HANDLE>(handle_);
+void os::UnlockAndClose(std::intptr_t handle) noexcept {
+    HANDLE h = reinterpret_cast<HANDLE>(handle);
     OVERLAPPED o{};
     ::UnlockFileEx(h, 0, MAXDWORD, MAXDWORD, &o);
     ::CloseHandle(h);
-    handle_ = -1;
 }
 
 fs::path UserDataFolder() {

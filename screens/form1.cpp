@@ -64,53 +64,26 @@ const std::string kDadoYnConducto =
     Lines({"Dado Ynormal calcule el caudal:",
            "Incluya el valor de Yn en la casilla correspondiente y luego oprima Q?"});
 
-// Figures, loaded by bare file name from the working folder.
-const char* SectionFigure(SectionType type) {
-    switch (type) {
-        case SectionType::Triangular:
-            return "Ctrian1.wmf";
-        case SectionType::Rectangular:
-            return "Crectg1.wmf";
-        case SectionType::Trapezoidal:
-            break;
-    }
-    return "Ctrape1.wmf";
+// The type button's caption and the figures of each shape, by SectionType (figures are loaded by
+// bare file name from the working folder).
+struct ShapeNames {
+    const char* caption;
+    const char* figure;
+    const char* flood_figure;
+};
+constexpr ShapeNames kShapes[] = {
+    {"TRAPEZOIDAL", "Ctrape1.wmf", "Ctrapez.wmf"},  // SectionType::Trapezoidal
+    {"TRIANGULAR", "Ctrian1.wmf", "Ctrian.wmf"},    // SectionType::Triangular
+    {"RECTANGULAR", "Crectg1.wmf", "Crectg.wmf"},   // SectionType::Rectangular
+};
+const ShapeNames& Shape(SectionType type) {
+    return kShapes[static_cast<int>(type)];
 }
 
-const char* FloodFigure(SectionType type) {
-    switch (type) {
-        case SectionType::Triangular:
-            return "Ctrian.wmf";
-        case SectionType::Rectangular:
-            return "Crectg.wmf";
-        case SectionType::Trapezoidal:
-            break;
-    }
-    return "Ctrapez.wmf";
-}
-
-const char* SectionCaption(SectionType type) {
-    switch (type) {
-        case SectionType::Triangular:
-            return "TRIANGULAR";
-        case SectionType::Rectangular:
-            return "RECTANGULAR";
-        case SectionType::Trapezoidal:
-            break;
-    }
-    return "TRAPEZOIDAL";
-}
-
+// The conduit's figure by ConduitFigure: Low, Middle, High.
+constexpr const char* kConduitFigures[] = {"circulo.wmf", "circulo2.wmf", "circulo3.wmf"};
 const char* ConduitFigureName(ConduitFigure figure) {
-    switch (figure) {
-        case ConduitFigure::Middle:
-            return "circulo2.wmf";
-        case ConduitFigure::High:
-            return "circulo3.wmf";
-        case ConduitFigure::Low:
-            break;
-    }
-    return "circulo.wmf";
+    return kConduitFigures[static_cast<int>(figure)];
 }
 
 std::string T(int n) {
@@ -121,6 +94,12 @@ std::string L(int n) {
 }
 
 }  // namespace
+
+// A refused workflow names what is missing in the message line.
+bool Form1::Refused(bool refused, const char* message) {
+    if (refused) Set("Label21", message);
+    return refused;
+}
 
 Form1::Form1() : Screen("Form1", "Cauce - Flujo uniforme en canales y conductos") {
     BindSheet("Canales");
@@ -151,64 +130,52 @@ void Form1::DeclareControls() {
     Add({"Command1", Kind::CommandButton, "TRAPEZOIDAL", "", {640, 10, 165, 36}});
     Add({"Command2", Kind::CommandButton, "CIRCULAR", "", {815, 10, 165, 36}});
 
-    const int lx = 20, bx = 190, w = 90, h = 22;
+    // The data: LabelN beside TextN, bound to field.
+    const int lx = 20, h = 22;
+    const auto data_row = [&](int n, const char* caption, const char* field, int y) {
+        Add({L(n), Kind::Label, caption, "", {lx, y, 165, h}});
+        Add({T(n), Kind::TextBox, "", field, {190, y, 90, h}});
+    };
     Add({"Label15", Kind::Label, "CANAL PRINCIPAL", "", {lx, 124, 300, h}});
-    Add({"Label1", Kind::Label, "Rugosidad", "", {lx, 150, 165, h}});
-    Add({"Text1", Kind::TextBox, "", "Rugosidad", {bx, 150, w, h}});
-    Add({"Label2", Kind::Label, "Pendiente", "", {lx, 178, 165, h}});
-    Add({"Text2", Kind::TextBox, "", "Pendiente", {bx, 178, w, h}});
-    Add({"Label3", Kind::Label, "Base", "", {lx, 206, 165, h}});
-    Add({"Text3", Kind::TextBox, "", "Base", {bx, 206, w, h}});
-    Add({"Label4", Kind::Label, "Talud", "", {lx, 234, 165, h}});
-    Add({"Text4", Kind::TextBox, "", "Talud", {bx, 234, w, h}});
-    Add({"Label5", Kind::Label, "Altura (opcional)", "", {lx, 262, 165, h}});
-    Add({"Text5", Kind::TextBox, "", "", {bx, 262, w, h}});
+    data_row(1, "Rugosidad", "Rugosidad", 150);
+    data_row(2, "Pendiente", "Pendiente", 178);
+    data_row(3, "Base", "Base", 206);
+    data_row(4, "Talud", "Talud", 234);
+    data_row(5, "Altura (opcional)", "", 262);
     Add({"Label16", Kind::Label, "ZONA INUNDABLE  (opcional)", "", {lx, 300, 300, h}});
-    Add({"Label6", Kind::Label, "Ancho zona", "", {lx, 326, 165, h}});
-    Add({"Text6", Kind::TextBox, "", "", {bx, 326, w, h}});
-    Add({"Label7", Kind::Label, "Rugosidad", "", {lx, 354, 165, h}});
-    Add({"Text7", Kind::TextBox, "", "", {bx, 354, w, h}});
+    data_row(6, "Ancho zona", "", 326);
+    data_row(7, "Rugosidad", "", 354);
 
-    // The discharge and the depth are data or results by workflow: the first column of the table.
+    // The table: a row's caption, then its boxes in the columns from the first on.
     const int rx = 400, c1 = 565, c2 = 705, c3 = 845, cw = 130;
+    const auto table_row = [&](int label, const char* caption, int y, std::initializer_list<int> boxes) {
+        Add({L(label), Kind::Label, caption, "", {rx, y, 160, h}});
+        int x = c1;
+        for (const int box : boxes) {
+            Add({T(box), Kind::TextBox, "", "", {x, y, cw, h}});
+            x += c2 - c1;
+        }
+    };
     Add({"Label18", Kind::Label, "", "", {c1, 320, cw, h}});
     Add({"Label19", Kind::Label, "", "", {c2, 320, cw, h}});
     Add({"Label20", Kind::Label, "", "", {c3, 320, cw, h}});
-    Add({"Label8", Kind::Label, "Caudal Q", "", {rx, 348, 160, h}});
-    Add({"Text8", Kind::TextBox, "", "", {c1, 348, cw, h}});
-    Add({"Label9", Kind::Label, "Profundidad Yn", "", {rx, 376, 160, h}});
-    Add({"Text9", Kind::TextBox, "", "", {c1, 376, cw, h}});
+    // The discharge and the depth are data or results by workflow: the first column of the table.
+    table_row(8, "Caudal Q", 348, {8});
+    table_row(9, "Profundidad Yn", 376, {9});
 
     // Yn? and Q ? of the trapezoidal family, then of the conduit: only one pair has captions.
-    Add({"Command4", Kind::CommandButton, "", "", {lx, 400, 80, 34}});
-    Add({"Command5", Kind::CommandButton, "", "", {105, 400, 80, 34}});
-    Add({"Command6", Kind::CommandButton, "", "", {190, 400, 80, 34}});
-    Add({"Command7", Kind::CommandButton, "", "", {275, 400, 80, 34}});
+    for (int c = 4; c <= 7; ++c)
+        Add({"Command" + std::to_string(c), Kind::CommandButton, "", "", {lx + 85 * (c - 4), 400, 80, 34}});
 
     Add({"Text15", Kind::TextBox, "", "", {c2, 348, cw, h}});
     Add({"Text19", Kind::TextBox, "", "", {c3, 348, cw, h}});
-    Add({"Label24", Kind::Label, "Área", "", {rx, 404, 160, h}});
-    Add({"Text24", Kind::TextBox, "", "", {c1, 404, cw, h}});
-    Add({"Text16", Kind::TextBox, "", "", {c2, 404, cw, h}});
-    Add({"Text20", Kind::TextBox, "", "", {c3, 404, cw, h}});
-    Add({"Label10", Kind::Label, "Ancho T", "", {rx, 432, 160, h}});
-    Add({"Text10", Kind::TextBox, "", "", {c1, 432, cw, h}});
-    Add({"Text17", Kind::TextBox, "", "", {c2, 432, cw, h}});
-    Add({"Text21", Kind::TextBox, "", "", {c3, 432, cw, h}});
-    Add({"Label11", Kind::Label, "Velocidad Vn", "", {rx, 460, 160, h}});
-    Add({"Text11", Kind::TextBox, "", "", {c1, 460, cw, h}});
-    Add({"Text18", Kind::TextBox, "", "", {c2, 460, cw, h}});
-    Add({"Text22", Kind::TextBox, "", "", {c3, 460, cw, h}});
-    Add({"Label22", Kind::Label, "Froude", "", {rx, 488, 160, h}});
-    Add({"Text26", Kind::TextBox, "", "", {c1, 488, cw, h}});
-    Add({"Text27", Kind::TextBox, "", "", {c2, 488, cw, h}});
-    Add({"Text23", Kind::TextBox, "", "", {c3, 488, cw, h}});
-    Add({"Label12", Kind::Label, "Y critica Yc", "", {rx, 516, 160, h}});
-    Add({"Text12", Kind::TextBox, "", "", {c1, 516, cw, h}});
-    Add({"Label13", Kind::Label, "V critica Vc", "", {rx, 544, 160, h}});
-    Add({"Text13", Kind::TextBox, "", "", {c1, 544, cw, h}});
-    Add({"Label14", Kind::Label, "", "", {rx, 572, 160, h}});
-    Add({"Text14", Kind::TextBox, "", "", {c1, 572, cw, h}});
+    table_row(24, "Área", 404, {24, 16, 20});
+    table_row(10, "Ancho T", 432, {10, 17, 21});
+    table_row(11, "Velocidad Vn", 460, {11, 18, 22});
+    table_row(22, "Froude", 488, {26, 27, 23});
+    table_row(12, "Y critica Yc", 516, {12});
+    table_row(13, "V critica Vc", 544, {13});
+    table_row(14, "", 572, {14});
 
     Add({"Picture1", Kind::PictureBox, "", "", {640, 56, 340, 250}});
     Add({"Label21", Kind::Label, "", "", {lx, 612, 600, 46}, true});
@@ -247,7 +214,7 @@ void Form1::Command1Click() {
     Set("Command2", "Cr");
     Inicial1();
     Inicial2();
-    Set("Picture1", SectionFigure(SectionType::Trapezoidal));
+    Set("Picture1", Shape(SectionType::Trapezoidal).figure);
     Set("Label17", kTrapezoidalLayout);
     Set("Label3", "Base");
     Set("Label4", "Talud");
@@ -289,8 +256,8 @@ void Form1::Datos() {
     st_.Bz = ValOf("Text6");
     st_.nz = ValOf("Text7");
     const SectionType type = st_.Datos();
-    Set("Command1", SectionCaption(type));
-    Set("Picture1", SectionFigure(type));
+    Set("Command1", Shape(type).caption);
+    Set("Picture1", Shape(type).figure);
 }
 
 void Form1::Lleno() {
@@ -310,10 +277,7 @@ void Form1::Critica() {
 void Form1::Command4Click() {
     Inicial2();
     Datos();
-    if (st_.b + st_.z == 0) {
-        Set("Label21", kDefinaSeccion);
-        return;
-    }
+    if (Refused(st_.b + st_.z == 0, kDefinaSeccion)) return;
     Set("Label17", kDadoCaudal);
     if (st_.h > 0) Lleno();
     st_.Q = ValOf("Text8");
@@ -326,14 +290,7 @@ void Form1::Command4Click() {
 }
 
 void Form1::Trapecio() {
-    if (st_.n == 0) {
-        Set("Label21", kFaltaRugosidad);
-        return;
-    }
-    if (st_.S <= 0) {
-        Set("Label21", kNoHayPendiente);
-        return;
-    }
+    if (Refused(st_.n == 0, kFaltaRugosidad) || Refused(st_.S <= 0, kNoHayPendiente)) return;
     if (st_.Q > st_.Qb) {
         Qdesbord();
         return;
@@ -353,18 +310,8 @@ void Form1::Command5Click() {
     Set("Label17", kDadoYnCanal);
     Inicial2();
     Datos();
-    if (st_.b + st_.z == 0) {
-        Set("Label21", kDefinaSeccion);
-        return;
-    }
-    if (st_.n == 0) {
-        Set("Label21", kFaltaRugosidad);
-        return;
-    }
-    if (st_.S <= 0) {
-        Set("Label21", kNoHayPendiente);
-        return;
-    }
+    if (Refused(st_.b + st_.z == 0, kDefinaSeccion)) return;
+    if (Refused(st_.n == 0, kFaltaRugosidad) || Refused(st_.S <= 0, kNoHayPendiente)) return;
     if (st_.h == 0) Set("Text5", kSinLimite);
     if (st_.h > 0) Lleno();
     st_.Yn = ValOf("Text9");
@@ -380,10 +327,7 @@ void Form1::Command5Click() {
         return;
     }
     st_.d = st_.Yn - st_.h;
-    if (st_.Bz == 0 || st_.nz == 0) {
-        Set("Label21", kIncluyaZona);
-        return;
-    }
+    if (Refused(st_.Bz == 0 || st_.nz == 0, kIncluyaZona)) return;
     st_.Qdesbord2();
     st_.Q = st_.Qt;
     Set("Text8", Format(st_.Q, "0.000"));
@@ -391,10 +335,7 @@ void Form1::Command5Click() {
 }
 
 void Form1::Qdesbord() {
-    if (st_.Qdesbord() == FloodStatus::MissingZone) {
-        Set("Label21", kIncluyaZona);
-        return;
-    }
+    if (Refused(st_.Qdesbord() == FloodStatus::MissingZone, kIncluyaZona)) return;
     Qdesbord3();
 }
 
@@ -403,7 +344,7 @@ void Form1::Qdesbord3() {
     Set("Label19", "Canal principal");
     Set("Label20", "Planicie inundable");
     Set("Label21", kDesbordamiento);
-    Set("Picture1", FloodFigure(st_.Datos()));
+    Set("Picture1", Shape(st_.Datos()).flood_figure);
     const bool critical_above_banks = st_.Qdesbord3();
     Set("Text9", Format(st_.Yn, "0.00"));
     Set("Text16", Format(st_.Am, "0.00"));
@@ -435,20 +376,11 @@ void Form1::Qdesbord3() {
 // Only a zero slope is refused here: a negative one stops at the full-conduit discharge.
 bool Form1::ConduitData() {
     st_.n = ValOf("Text1");
-    if (st_.n == 0) {
-        Set("Label21", kFaltaRugosidad);
-        return false;
-    }
+    if (Refused(st_.n == 0, kFaltaRugosidad)) return false;
     st_.S = ValOf("Text2");
-    if (st_.S == 0) {
-        Set("Label21", kFaltaPendiente);
-        return false;
-    }
+    if (Refused(st_.S == 0, kFaltaPendiente)) return false;
     st_.D = ValOf("Text3");
-    if (st_.D == 0) {
-        Set("Label21", kFaltaDiametro);
-        return false;
-    }
+    if (Refused(st_.D == 0, kFaltaDiametro)) return false;
     return true;
 }
 
@@ -516,10 +448,7 @@ void Form1::Command7Click() {
     Set("Label17", kDadoYnConducto);
     if (!ConduitData()) return;
     st_.Yn = ValOf("Text9");
-    if (st_.Yn == 0) {
-        Set("Label21", kFaltaProfundidad);
-        return;
-    }
+    if (Refused(st_.Yn == 0, kFaltaProfundidad)) return;
     if (st_.Yn == st_.D) {
         Set("Label21", kTuboLleno);
         Clleno();

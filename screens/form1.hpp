@@ -115,6 +115,7 @@ class Form1 : public forms::Screen {
   private:
     void DeclareControls();
     void FormLoad();
+    bool Refused(bool refused, const char* message);  // true after writing the message to Label21
 
     // The type buttons: each sets its layout and clears the data and the results.
     void Command1Click();  // trapezoidal family

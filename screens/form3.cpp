@@ -36,55 +36,25 @@ class Form3 : public NaturalScreen {
 
   private:
     bool Inicio() override;
-    void LastSection() override;
     void Command1Click();  // "Perfiles"
-    void Tabla();
 };
 
 Form3::Form3()
     : NaturalScreen("Form3", "Cauce - Perfiles y socavación en cauces naturales", form3::box::kAll) {
     BindSheet("secciones ");
-    // Reference layout 1000 x 720. Declaration order is the tab order.
-    Add({"Label25",
-         Kind::Label,
-         "PERFILES Y SOCAVACION EN CAUCES NATURALES" + std::string(98, ' ') +
-             "Oprima (Y?) para calcular la Profundidad Normal y las características hidráulicas del cauce.",
-         "",
-         {10, 5, 600, 48},
-         true});
-    Add({"Label28", Kind::Label, "Seccion No.", "", {10, 60, 90, 22}});
-    Add({"Text62", Kind::TextBox, "", "SecId", {100, 60, 50, 22}});
-    Add({"Label22", Kind::Label, "No. Secciones", "", {170, 60, 100, 22}});
-    Add({"Text61", Kind::TextBox, "", "No# secciones", {270, 60, 50, 22}});
-    Add({"Label24", Kind::Label, " Z fondo m", "", {38, 90, 72, 22}});
-    Add({"Label19", Kind::Label, " Ancho m", "", {114, 90, 72, 22}});
-    // Label5 is the final depth's label here, so the row numbers take Label40..Label54.
-    AddLevelTable(38, 114, 26, 40);
-
-    Add({"Label20", Kind::Label, "Rugosidad", "", {460, 114, 120, 22}});
-    Add({"Text123", Kind::TextBox, "", "Rugosidad", {585, 114, 80, 22}});
-    Add({"Label21", Kind::Label, "Pendiente", "", {460, 142, 120, 22}});
-    Add({"Text124", Kind::TextBox, "", "Si", {585, 142, 80, 22}});
-    Add({"Label23", Kind::Label, "Caudal", "", {460, 170, 120, 22}});
-    Add({"Text125", Kind::TextBox, "", "Caudal", {585, 170, 80, 22}});
-    Add({"Label18", Kind::Label, " Abscisa m", "", {460, 198, 120, 22}});
-    Add({"Text131", Kind::TextBox, "", "Abscisa", {585, 198, 80, 22}});
-    Add({"Label26", Kind::Label, "ZONA INUNDABLE:", "", {460, 232, 220, 22}});
-    Add({"Label29", Kind::Label, "Ancho:", "", {460, 260, 120, 22}});
-    Add({"Text126", Kind::TextBox, "", "Ancho Zi", {585, 260, 80, 22}});
-    Add({"Label30", Kind::Label, "Rugosidad", "", {460, 288, 120, 22}});
-    Add({"Text127", Kind::TextBox, "", "Rugosidad Zi", {585, 288, 80, 22}});
-    Add({"Label33", Kind::Label, "Yn final", "", {460, 324, 120, 22}});
-    Add({"Text129", Kind::TextBox, "", "", {585, 324, 80, 22}});
-    Add({"Label34", Kind::Label, "Yc final", "", {460, 352, 120, 22}});
-    Add({"Text130", Kind::TextBox, "", "", {585, 352, 80, 22}});
-    Add({"Label5", Kind::Label, "", "", {460, 380, 120, 22}});
-    Add({"Text128", Kind::TextBox, "", "", {585, 380, 80, 22}});
+    // Reference layout 1000 x 720. Declaration order is the tab order. Label5 is the final depth's
+    // label here, so the level table's row numbers take Label40..Label54.
+    AddHeader("PERFILES Y SOCAVACION EN CAUCES NATURALES", kPressForStream, true, 40);
+    const DataColumn data{460, 120, 585};
+    AddFlowData(data, 114, "Si");
+    AddDataRow(data, 198, "Label18", " Abscisa m", form3::box::Chainage, "Abscisa");
+    AddFloodZone(data, 232, 220);
+    AddDataRow(data, 324, "Label33", "Yn final", form3::box::NormalDepth);
+    AddDataRow(data, 352, "Label34", "Yc final", form3::box::CriticalDepth);
+    AddDataRow(data, 380, "Label5", "", form3::box::FinalDepth);
     Add({"Label35", Kind::Label, "Para calcular Socavación: Dmm?", "", {460, 414, 120, 40}, true});
     Add({"Text122", Kind::TextBox, "", "Darrastre", {585, 420, 80, 22}});
-    Add({"Command2", Kind::CommandButton, "(Y?)", "", {690, 114, 110, 34}});
-    Add({"Command1", Kind::CommandButton, "Perfiles", "", {690, 158, 110, 34}});
-    Add({"Command3", Kind::CommandButton, "Salir", "", {690, 202, 110, 34}});
+    AddButtons(690, 114, [this] { Command1Click(); });
     Add({"Label31", Kind::Label, "", "", {460, 464, 530, 44}, true});
 
     // Table of sections 1..15, on the rows of the level table.
@@ -100,11 +70,8 @@ Form3::Form3()
     Add({"Picture1", Kind::PictureBox, "", "", {690, 250, 220, 150}});
     Add({"Data1", Kind::Data, "Rio Negro", "", {10, 510, 440, 30}});
 
-    OnClick(section::button::Section, [this] { SectionClick(); });
-    OnClick(section::button::Profiles, [this] { Command1Click(); });
-    OnClick(section::button::Exit, [this] { Close(); });
     // Form_Load: the profile button is inert until the last section has been computed.
-    Set("Picture1", kFigCauces1);
+    Set("Picture1", Figure("Cauces1.wmf"));
     Set("Command1", "");
 }
 
@@ -119,22 +86,12 @@ bool Form3::Inicio() {
     return true;
 }
 
-void Form3::LastSection() {
-    Set("Command2", "");
-    Set("Command1", "Perfiles");
-    Set("Picture1", kFigCauces1);
-}
-
 // "Perfiles": the grain size, then the final depth, the run with scour, the table.
 void Form3::Command1Click() {
     if (Text("Label31") == kSinArea) Set("Label31", "");  // the message of a previous run only
     scour::Bed bed;
     bed.Dm = ValOf("Text122") / 1000;
-    Set("Label5", "Yfinal");
-    if (!profiles::SetStartDepth(st_, ValOf("Text128"))) {
-        Set("Label5", "Incluya Y final");
-        return;
-    }
+    if (!ReadStartDepth(form3::kReach, "final")) return;
     bed.exponent = scour::GrainExponent(bed.Dm);
 
     profiles::RunPolicy policy;
@@ -154,17 +111,7 @@ void Form3::Command1Click() {
         Set("Label31", kSinArea);
         return;
     }
-    Tabla();
-}
-
-// Scour into Text106..Text120, water-surface elevations into Text76..Text90, velocities into
-// Text91..Text105, in that order, for sections 1..15 whatever N is.
-void Form3::Tabla() {
-    const auto rows = profiles::Tabla(st_);
-    auto row = [&rows](int j) -> const profiles::TableRow& { return rows[static_cast<std::size_t>(j - 1)]; };
-    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(105 + j), Format(row(j).ysoc, "0.00"));
-    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(75 + j), Format(row(j).zw, "0.00"));
-    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(90 + j), Format(row(j).v, "0.00"));
+    Tabla(form3::kReach);
 }
 
 }  // namespace

@@ -40,56 +40,23 @@ Form5::Form5()
     : NaturalScreen("Form5", "Cauce - Flujo uniforme en cauces naturales", section::stream_box::kAll) {
     BindSheet("Zorvena");
     // Reference layout 1000 x 720. Declaration order is the tab order.
-    Add({"Label25",
-         Kind::Label,
-         "FLUJO UNIFORME EN CAUCES NATURALES" + std::string(98, ' ') +
-             "Oprima (Y?) para calcular la Profundidad Normal y las características hidráulicas del cauce.",
-         "",
-         {10, 5, 600, 48},
-         true});
-    Add({"Label28", Kind::Label, "Seccion No.", "", {10, 60, 90, 22}});
-    Add({"Text62", Kind::TextBox, "", "SecId", {100, 60, 50, 22}});
-    Add({"Label24", Kind::Label, " Z fondo m", "", {38, 90, 72, 22}});
-    Add({"Label19", Kind::Label, " Ancho m", "", {114, 90, 72, 22}});
-    AddLevelTable(38, 114, 26);
+    AddHeader("FLUJO UNIFORME EN CAUCES NATURALES", kPressForStream, false);
+    const DataColumn data{300, 110, 415};
+    AddFlowData(data, 114, "Si");
+    AddFloodZone(data, 206, 220);
 
-    Add({"Label20", Kind::Label, "Rugosidad", "", {300, 114, 110, 22}});
-    Add({"Text93", Kind::TextBox, "", "Rugosidad", {415, 114, 80, 22}});
-    Add({"Label21", Kind::Label, "Pendiente", "", {300, 142, 110, 22}});
-    Add({"Text94", Kind::TextBox, "", "Si", {415, 142, 80, 22}});
-    Add({"Label23", Kind::Label, "Caudal", "", {300, 170, 110, 22}});
-    Add({"Text95", Kind::TextBox, "", "Caudal", {415, 170, 80, 22}});
-    Add({"Label26", Kind::Label, "ZONA INUNDABLE:", "", {300, 206, 220, 22}});
-    Add({"Label29", Kind::Label, "Ancho:", "", {300, 234, 110, 22}});
-    Add({"Text96", Kind::TextBox, "", "Ancho Zi", {415, 234, 80, 22}});
-    Add({"Label30", Kind::Label, "Rugosidad", "", {300, 262, 110, 22}});
-    Add({"Text97", Kind::TextBox, "", "Rugosidad Zi", {415, 262, 80, 22}});
+    // Results of the section, not bound: they are recomputed from the record's data. Label33..Label39
+    // beside Text99..Text105.
+    const char* const results[] = {"Yn m",         "Yc m",        "Q lleno m3/s", "Área m2",
+                                   "Ancho sup. m", "V media m/s", "Froude"};
+    for (int r = 0; r < 7; ++r)
+        AddDataRow(data, 306 + 28 * r, forms::LabelName(33 + r), results[r], forms::TextName(99 + r));
 
-    // Results of the section, not bound: they are recomputed from the record's data.
-    Add({"Label33", Kind::Label, "Yn m", "", {300, 306, 110, 22}});
-    Add({"Text99", Kind::TextBox, "", "", {415, 306, 80, 22}});
-    Add({"Label34", Kind::Label, "Yc m", "", {300, 334, 110, 22}});
-    Add({"Text100", Kind::TextBox, "", "", {415, 334, 80, 22}});
-    Add({"Label35", Kind::Label, "Q lleno m3/s", "", {300, 362, 110, 22}});
-    Add({"Text101", Kind::TextBox, "", "", {415, 362, 80, 22}});
-    Add({"Label36", Kind::Label, "Área m2", "", {300, 390, 110, 22}});
-    Add({"Text102", Kind::TextBox, "", "", {415, 390, 80, 22}});
-    Add({"Label37", Kind::Label, "Ancho sup. m", "", {300, 418, 110, 22}});
-    Add({"Text103", Kind::TextBox, "", "", {415, 418, 80, 22}});
-    Add({"Label38", Kind::Label, "V media m/s", "", {300, 446, 110, 22}});
-    Add({"Text104", Kind::TextBox, "", "", {415, 446, 80, 22}});
-    Add({"Label39", Kind::Label, "Froude", "", {300, 474, 110, 22}});
-    Add({"Text105", Kind::TextBox, "", "", {415, 474, 80, 22}});
-
-    Add({"Command2", Kind::CommandButton, "(Y?)", "", {530, 114, 110, 34}});
-    Add({"Command3", Kind::CommandButton, "Salir", "", {530, 158, 110, 34}});
+    AddButtons(530, 114);
     Add({"Label31", Kind::Label, "", "", {530, 206, 300, 44}, true});
     Add({"Picture1", Kind::PictureBox, "", "", {530, 270, 220, 150}});
     Add({"Data1", Kind::Data, "Flujo uniforme", "", {10, 510, 480, 30}});
-
-    OnClick(section::button::Section, [this] { SectionClick(); });
-    OnClick(section::button::Exit, [this] { Close(); });
-    Set("Picture1", kFigCauces1);
+    Set("Picture1", Figure("Cauces1.wmf"));
 }
 
 // One section, no reach: the section number of the record indexes the arrays; N plays no part.

@@ -2,6 +2,7 @@
 
 #include "forms/format.hpp"
 #include "forms/val.hpp"
+#include "hydraulics/profiles/profile.hpp"
 
 namespace cauce::screens {
 
@@ -19,6 +20,20 @@ std::string Numbered(std::string prefix, int n) {
 NaturalScreen::NaturalScreen(std::string name, std::string title, SectionBoxes boxes)
     : Screen(std::move(name), std::move(title)), boxes_(std::move(boxes)) {}
 
+void NaturalScreen::AddHeader(const std::string& heading, const std::string& press, bool with_count,
+                              int first_row_label) {
+    Add({"Label25", Kind::Label, heading + std::string(98, ' ') + press, "", {10, 5, 600, 48}, true});
+    Add({"Label28", Kind::Label, "Seccion No.", "", {10, 60, 90, 22}});
+    Add({"Text62", Kind::TextBox, "", "SecId", {100, 60, 50, 22}});
+    if (with_count) {
+        Add({"Label22", Kind::Label, "No. Secciones", "", {170, 60, 100, 22}});
+        Add({"Text61", Kind::TextBox, "", "No# secciones", {270, 60, 50, 22}});
+    }
+    Add({"Label24", Kind::Label, " Z fondo m", "", {38, 90, 72, 22}});
+    Add({"Label19", Kind::Label, " Ancho m", "", {114, 90, 72, 22}});
+    AddLevelTable(38, 114, 26, first_row_label);
+}
+
 void NaturalScreen::AddLevelTable(int x, int y, int row_step, int first_row_label) {
     for (int j = 1; j <= 15; ++j) {
         const int row_y = y + (j - 1) * row_step;
@@ -34,6 +49,65 @@ void NaturalScreen::AddLevelTable(int x, int y, int row_step, int first_row_labe
              Numbered("t", j),
              {x + 76, row_y, 72, row_step - 4}});
     }
+}
+
+void NaturalScreen::AddDataRow(const DataColumn& column, int y, const std::string& label,
+                               const std::string& caption, const std::string& box, const std::string& field) {
+    Add({label, Kind::Label, caption, "", {column.x, y, column.label_width, 22}});
+    Add({box, Kind::TextBox, "", field, {column.box_x, y, 80, 22}});
+}
+
+void NaturalScreen::AddFlowData(const DataColumn& column, int y, const std::string& slope_field) {
+    AddDataRow(column, y, "Label20", "Rugosidad", boxes_.n, "Rugosidad");
+    AddDataRow(column, y + 28, "Label21", "Pendiente", boxes_.s0, slope_field);
+    AddDataRow(column, y + 56, "Label23", "Caudal", boxes_.q, "Caudal");
+}
+
+void NaturalScreen::AddFloodZone(const DataColumn& column, int y, int heading_width) {
+    Add({"Label26", Kind::Label, "ZONA INUNDABLE:", "", {column.x, y, heading_width, 22}});
+    AddDataRow(column, y + 28, "Label29", "Ancho:", boxes_.b, "Ancho Zi");
+    AddDataRow(column, y + 56, "Label30", "Rugosidad", boxes_.nz, "Rugosidad Zi");
+}
+
+void NaturalScreen::AddButtons(int x, int y, std::function<void()> profiles) {
+    Add({"Command2", Kind::CommandButton, "(Y?)", "", {x, y, 110, 34}});
+    OnClick(section::button::Section, [this] { SectionClick(); });
+    if (profiles) {
+        y += 44;
+        Add({"Command1", Kind::CommandButton, "Perfiles", "", {x, y, 110, 34}});
+        OnClick(section::button::Profiles, std::move(profiles));
+        has_profiles_ = true;
+    }
+    Add({"Command3", Kind::CommandButton, "Salir", "", {x, y + 44, 110, 34}});
+    OnClick(section::button::Exit, [this] { Close(); });
+}
+
+void NaturalScreen::LastSection() {
+    if (!has_profiles_) return;
+    Set("Command2", "");
+    Set("Command1", "Perfiles");
+    Set("Picture1", Figure("Cauces1.wmf"));
+}
+
+bool NaturalScreen::ReadStartDepth(const ReachControls& reach, const std::string& word) {
+    Set(reach.depth_label, "Y" + word);
+    if (profiles::SetStartDepth(st_, ValOf(reach.depth))) return true;
+    Set(reach.depth_label, "Incluya Y " + word);
+    return false;
+}
+
+void NaturalScreen::Tabla(const ReachControls& reach) {
+    const auto rows = profiles::Tabla(st_);
+    const auto column = [&](std::string (*box)(int), auto text) {
+        if (!box) return;
+        for (int j = 1; j <= profiles::kTableRows; ++j)
+            Set(box(j), text(rows[static_cast<std::size_t>(j - 1)]));
+    };
+    using profiles::TableRow;
+    column(reach.type, [](const TableRow& r) { return r.tipo; });
+    column(reach.scour, [](const TableRow& r) { return Format(r.ysoc, "0.00"); });
+    column(reach.water_level, [](const TableRow& r) { return Format(r.zw, "0.00"); });
+    column(reach.velocity, [](const TableRow& r) { return Format(r.v, "0.00"); });
 }
 
 bool NaturalScreen::Inicio() {
@@ -87,7 +161,7 @@ void NaturalScreen::SectionClick() {
         Resultados();
         return;
     }
-    Set("Picture1", kFigCauces1);
+    Set("Picture1", Figure("Cauces1.wmf"));
     st_.NormalInBank(i);
     st_.Qc = st_.Q(i);
     st_.Critica(i);
@@ -97,7 +171,7 @@ void NaturalScreen::SectionClick() {
 void NaturalScreen::Qdesbord() {
     const int i = st_.i;
     Set("Label31", natural::kDesbordamiento);
-    Set("Picture1", kFigCauces);
+    Set("Picture1", Figure("Cauces.wmf"));
     st_.B = ValOf(boxes_.b);
     st_.nz = ValOf(boxes_.nz);
     if (st_.B < st_.BankWidth(i)) {
@@ -105,7 +179,7 @@ void NaturalScreen::Qdesbord() {
         return;
     }
     st_.Qdesbord(i);
-    if (st_.NoFloodZone(i)) Set("Picture1", kFigCauces2);
+    if (st_.NoFloodZone(i)) Set("Picture1", Figure("Cauces2.wmf"));
     st_.Qdesbord3(i);
 }
 

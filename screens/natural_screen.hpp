@@ -4,6 +4,7 @@
 // The boxes of roughness, slope, discharge, flood zone and results are named per screen.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "forms/screen.hpp"
@@ -11,10 +12,16 @@
 
 namespace cauce::screens {
 
-inline constexpr const char* kFigCauces1 = "C:\\programas\\figuras\\Cauces1.wmf";
-inline constexpr const char* kFigCauces = "C:\\programas\\figuras\\Cauces.wmf";
-inline constexpr const char* kFigCauces2 = "C:\\programas\\figuras\\Cauces2.wmf";
-inline constexpr const char* kFigSummer = "C:\\programas\\figuras\\SUMMER.wmf";
+// The figures of the natural-section screens, by the path the screens load them from: the section in
+// its banks (Cauces1.wmf), overflowing (Cauces.wmf), overflowing with no flood zone beside it
+// (Cauces2.wmf), and the landscape of the profile screens (SUMMER.wmf).
+inline std::string Figure(const char* file) {
+    return std::string("C:\\programas\\figuras\\") + file;
+}
+
+// The second line of the instructions of the screens on natural channels.
+inline constexpr const char* kPressForStream =
+    "Oprima (Y?) para calcular la Profundidad Normal y las características hidráulicas del cauce.";
 
 // The controls every natural-section screen has, by meaning.
 namespace section {
@@ -90,10 +97,31 @@ class NaturalScreen : public forms::Screen {
   protected:
     NaturalScreen(std::string name, std::string title, SectionBoxes boxes);
 
+    // Declares the top of every natural-section screen: the instructions (Label25, two lines: the
+    // screen's heading and what to press), the section number (Text62) and, on the screens with a
+    // reach, N (Text61), then the level table with its headings.
+    void AddHeader(const std::string& heading, const std::string& press, bool with_count,
+                   int first_row_label = 3);
+
     // Declares the level table (Text1..Text30 bound to z1..z15 / t1..t15) and its row labels
     // (Label3..Label17, or fifteen labels from first_row_label on) on rows starting at y, with the
     // elevation boxes at x.
     void AddLevelTable(int x, int y, int row_step, int first_row_label = 3);
+
+    // The column of the section's data: captions at x, label_width wide, and boxes at box_x.
+    struct DataColumn {
+        int x, label_width, box_x;
+    };
+    // A caption and its box on the row at y; the box is bound to field ("" for none).
+    void AddDataRow(const DataColumn& column, int y, const std::string& label, const std::string& caption,
+                    const std::string& box, const std::string& field = "");
+    // Roughness, slope (bound to slope_field) and discharge on the rows from y on.
+    void AddFlowData(const DataColumn& column, int y, const std::string& slope_field);
+    // "ZONA INUNDABLE:" at y over its width and roughness.
+    void AddFloodZone(const DataColumn& column, int y, int heading_width);
+    // "(Y?)", on the screens with a reach "Perfiles" (inert until the last section has been
+    // computed), and "Salir", one under the other from (x, y).
+    void AddButtons(int x, int y, std::function<void()> profiles = nullptr);
 
     // "(Y?)" (Command2_Click) for the section of the current record.
     void SectionClick();
@@ -107,7 +135,12 @@ class NaturalScreen : public forms::Screen {
     // N from Text61 and i from Text62.
     virtual void ReadSectionNumbers();
     // The section numbered N (or above) has been computed: the profile button takes over.
-    virtual void LastSection() {}
+    void LastSection();
+    // The depth at the last section from the reach's depth box; false, with the label asking for it,
+    // when there is none. word names it in the label: "final" or "inicial".
+    bool ReadStartDepth(const ReachControls& reach, const std::string& word);
+    // The profile table of sections 1..15 into the reach's columns, one column after the other.
+    void Tabla(const ReachControls& reach);
     // Writes the results of the section just computed.
     virtual void Resultados();
 
@@ -116,6 +149,8 @@ class NaturalScreen : public forms::Screen {
 
   private:
     void Qdesbord();
+
+    bool has_profiles_ = false;
 };
 
 }  // namespace cauce::screens

@@ -22,40 +22,14 @@ ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg)
     : NaturalScreen(cfg.name, cfg.title, section::stream_box::kAll) {
     BindSheet(cfg.sheet);
     // Reference layout 1000 x 720. Declaration order is the tab order.
-    Add({"Label25",
-         Kind::Label,
-         cfg.instruction + std::string(98, ' ') + cfg.instruction_tail,
-         "",
-         {10, 5, 600, 48},
-         true});
-    Add({"Label28", Kind::Label, "Seccion No.", "", {10, 60, 90, 22}});
-    Add({"Text62", Kind::TextBox, "", "SecId", {100, 60, 50, 22}});
-    Add({"Label22", Kind::Label, "No. Secciones", "", {170, 60, 100, 22}});
-    Add({"Text61", Kind::TextBox, "", "No# secciones", {270, 60, 50, 22}});
-    Add({"Label24", Kind::Label, " Z fondo m", "", {38, 90, 72, 22}});
-    Add({"Label19", Kind::Label, " Ancho m", "", {114, 90, 72, 22}});
-    AddLevelTable(38, 114, 26);
-
-    Add({"Label20", Kind::Label, "Rugosidad", "", {500, 170, 110, 22}});
-    Add({"Text93", Kind::TextBox, "", "Rugosidad", {615, 170, 80, 22}});
-    Add({"Label21", Kind::Label, "Pendiente", "", {500, 198, 110, 22}});
-    Add({"Text94", Kind::TextBox, "", cfg.slope_column, {615, 198, 80, 22}});
-    Add({"Label23", Kind::Label, "Caudal", "", {500, 226, 110, 22}});
-    Add({"Text95", Kind::TextBox, "", "Caudal", {615, 226, 80, 22}});
-    Add({"Label26", Kind::Label, "ZONA INUNDABLE:", "", {500, 258, 300, 22}});
-    Add({"Label29", Kind::Label, "Ancho:", "", {500, 286, 110, 22}});
-    Add({"Text96", Kind::TextBox, "", "Ancho Zi", {615, 286, 80, 22}});
-    Add({"Label30", Kind::Label, "Rugosidad", "", {500, 314, 110, 22}});
-    Add({"Text97", Kind::TextBox, "", "Rugosidad Zi", {615, 314, 80, 22}});
-    Add({"Label33", Kind::Label, "Yn final", "", {500, 352, 110, 22}});
-    Add({"Text99", Kind::TextBox, "", "", {615, 352, 80, 22}});
-    Add({"Label34", Kind::Label, "Yc final", "", {500, 380, 110, 22}});
-    Add({"Text100", Kind::TextBox, "", "", {615, 380, 80, 22}});
-    Add({"Label32", Kind::Label, "", "", {500, 408, 110, 22}});
-    Add({"Text98", Kind::TextBox, "", "", {615, 408, 80, 22}});
-    Add({"Command2", Kind::CommandButton, "(Y?)", "", {720, 170, 110, 34}});
-    Add({"Command1", Kind::CommandButton, "Perfiles", "", {720, 214, 110, 34}});
-    Add({"Command3", Kind::CommandButton, "Salir", "", {720, 258, 110, 34}});
+    AddHeader(cfg.instruction, cfg.instruction_tail, true);
+    const DataColumn data{500, 110, 615};
+    AddFlowData(data, 170, cfg.slope_column);
+    AddFloodZone(data, 258, 300);
+    AddDataRow(data, 352, "Label33", "Yn final", profile::box::NormalDepth);
+    AddDataRow(data, 380, "Label34", "Yc final", profile::box::CriticalDepth);
+    AddDataRow(data, 408, "Label32", "", profile::box::StartDepth);
+    AddButtons(720, 170, [this] { Command1Click(); });
     Add({"Label31", Kind::Label, "", "", {500, 440, 490, 44}, true});
 
     // Profile table: chainage, type, water-surface elevation, velocity of sections 1..15.
@@ -75,52 +49,27 @@ ProfileScreen::ProfileScreen(const ProfileScreenConfig& cfg)
     Add({"Picture1", Kind::PictureBox, "", "", {620, 5, 220, 150}});
     Add({"Picture2", Kind::PictureBox, "", "", {850, 5, 140, 150}});
     Add({"Data1", Kind::Data, cfg.caption, "", {10, 510, 480, 30}});
-
-    OnClick(section::button::Section, [this] { SectionClick(); });
-    OnClick(section::button::Profiles, [this] { Command1Click(); });
-    OnClick(section::button::Exit, [this] { Close(); });
     FormLoad();
 }
 
 void ProfileScreen::FormLoad() {
-    Set("Picture1", kFigCauces1);
-    Set("Picture2", kFigSummer);
+    Set("Picture1", Figure("Cauces1.wmf"));
+    Set("Picture2", Figure("SUMMER.wmf"));
     Set("Command1", "");  // inert until the last section has been computed
-}
-
-void ProfileScreen::LastSection() {
-    Set("Command2", "");
-    Set("Command1", "Perfiles");
-    Set("Picture1", kFigCauces1);
 }
 
 // "Perfiles": the depth at the last section, the chainages of the fifteen rows, the run, the table.
 void ProfileScreen::Command1Click() {
-    Set("Label32", "Yinicial");
-    if (!profiles::SetStartDepth(st_, ValOf("Text98"))) {
-        Set("Label32", "Incluya Y inicial");
-        return;
-    }
+    if (!ReadStartDepth(profile::kReach, "inicial")) return;
     for (int j = 1; j <= profiles::kTableRows; ++j) st_.X(j) = ValOf(T(29 + 2 * j));  // Text31, Text33, ...
     profiles::ProfileRun(st_);
-    Tabla();
-}
-
-// Types into Text32..Text60 (even), water-surface elevations into Text63..Text77, velocities into
-// Text78..Text92, for sections 1..15 whatever N is.
-void ProfileScreen::Tabla() {
-    const auto rows = profiles::Tabla(st_);
-    auto row = [&rows](int j) -> const profiles::TableRow& { return rows[static_cast<std::size_t>(j - 1)]; };
-    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(30 + 2 * j), row(j).tipo);
-    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(62 + j), forms::Format(row(j).zw, "0.00"));
-    for (int j = 1; j <= profiles::kTableRows; ++j) Set(T(77 + j), forms::Format(row(j).v, "0.00"));
+    Tabla(profile::kReach);
 }
 
 std::unique_ptr<forms::Screen> MakeForm2() {
-    return std::make_unique<ProfileScreen>(ProfileScreenConfig{
-        "Form2", "Cauce - Perfiles en cauces naturales", "FLUJO EN CAUCES NATURALES",
-        "Oprima (Y?) para calcular la Profundidad Normal y las características hidráulicas del cauce.",
-        "Persecc", "Perfiles en cauces", "Si"});
+    return std::make_unique<ProfileScreen>(
+        ProfileScreenConfig{"Form2", "Cauce - Perfiles en cauces naturales", "FLUJO EN CAUCES NATURALES",
+                            kPressForStream, "Persecc", "Perfiles en cauces", "Si"});
 }
 
 std::unique_ptr<forms::Screen> MakeForm4() {

@@ -67,8 +67,6 @@ class ProfileScreen : public NaturalScreen {
   private:
     void FormLoad();
     void Command1Click();  // "Perfiles"
-    void Tabla();
-    void LastSection() override;
 };
 
 std::unique_ptr<forms::Screen> MakeForm2();

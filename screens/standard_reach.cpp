@@ -121,4 +121,23 @@ standard_step::LegacyRun LegacyRunOf(const forms::Screen& screen) {
     return run;
 }
 
+std::vector<std::string> StandardHeads() {
+    return {"Sección", "Abscisa m", "Y m", "Z agua m", "Z energía m",
+            "V m/s",   "Froude",    "Sf",  "Régimen",  "Yc m"};
+}
+
+std::vector<std::string> StandardCells(const standard_step::SectionResult& s,
+                                       std::string (*fixed)(double value, int decimals)) {
+    return {std::to_string(s.number),
+            fixed(s.chainage, 2),
+            fixed(s.y, 3),
+            fixed(s.z_water, 3),
+            fixed(s.z_energy, 3),
+            fixed(s.v, 2),
+            fixed(s.froude, 2),
+            fixed(s.sf, 6),
+            standard_step::RegimeName(s.regime),
+            fixed(s.yc, 3)};
+}
+
 }  // namespace cauce::screens

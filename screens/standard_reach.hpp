@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "forms/screen.hpp"
 #include "hydraulics/standard_step/reach.hpp"
@@ -20,6 +21,12 @@ struct StandardReach {
 // of that record, all of them; Form3: each record's own) and the given downstream depth. The boxes of
 // the record shown count as its data, edited or not.
 StandardReach StandardReachOf(const forms::Screen& screen, double downstream_depth);
+
+// The standard step's table as the desktop and the command line show it: the heads of its columns and
+// one section's cells, numbers written by fixed with each column's decimals.
+std::vector<std::string> StandardHeads();
+std::vector<std::string> StandardCells(const standard_step::SectionResult& s,
+                                       std::string (*fixed)(double value, int decimals));
 
 // What the profile screen's state and record say for the warnings beside its own profile.
 standard_step::LegacyRun LegacyRunOf(const forms::Screen& screen);

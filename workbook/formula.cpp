@@ -139,36 +139,21 @@ class Evaluator {
         if (i_ < f_.size() && f_[i_] == c) return ++i_, true;
         return false;
     }
-    std::optional<double> Sum() {
-        auto v = Product();
+    // One level of operators, left to right: next reads each operand; a missing operand, or a division
+    // by zero, leaves no value.
+    std::optional<double> Chain(std::optional<double> (Evaluator::*next)(), char first, char second) {
+        auto v = (this->*next)();
         while (v) {
-            if (Eat('+')) {
-                const auto r = Product();
-                v = r ? std::optional(*v + *r) : std::nullopt;
-            } else if (Eat('-')) {
-                const auto r = Product();
-                v = r ? std::optional(*v - *r) : std::nullopt;
-            } else {
-                break;
-            }
+            const char op = Eat(first) ? first : Eat(second) ? second : '\0';
+            if (op == '\0') break;
+            const auto r = (this->*next)();
+            if (!r || (op == '/' && *r == 0)) return std::nullopt;
+            v = op == '+' ? *v + *r : op == '-' ? *v - *r : op == '*' ? *v * *r : *v / *r;
         }
         return v;
     }
-    std::optional<double> Product() {
-        auto v = Unary();
-        while (v) {
-            if (Eat('*')) {
-                const auto r = Unary();
-                v = r ? std::optional(*v * *r) : std::nullopt;
-            } else if (Eat('/')) {
-                const auto r = Unary();
-                v = r && *r != 0 ? std::optional(*v / *r) : std::nullopt;
-            } else {
-                break;
-            }
-        }
-        return v;
-    }
+    std::optional<double> Sum() { return Chain(&Evaluator::Product, '+', '-'); }
+    std::optional<double> Product() { return Chain(&Evaluator::Unary, '*', '/'); }
     std::optional<double> Unary() {
         if (Eat('-')) {
             const auto v = Unary();

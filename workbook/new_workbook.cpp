@@ -16,14 +16,6 @@ constexpr const char* kPkgRels = "http://schemas.openxmlformats.org/package/2006
 constexpr const char* kSheetType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml";
 
-std::string Text(pugi::xml_document& doc) {
-    auto decl = doc.prepend_child(pugi::node_declaration);
-    decl.append_attribute("version") = "1.0";
-    decl.append_attribute("encoding") = "UTF-8";
-    decl.append_attribute("standalone") = "yes";
-    return WriteXml(doc);
-}
-
 std::string SheetXml(const SheetValues& s) {
     pugi::xml_document doc;
     auto ws = doc.append_child("worksheet");
@@ -63,7 +55,7 @@ std::string SheetXml(const SheetValues& s) {
                 break;
         }
     }
-    return Text(doc);
+    return WriteNewXml(doc);
 }
 
 }  // namespace
@@ -139,9 +131,9 @@ std::string NewWorkbookBytes(const std::vector<SheetValues>& sheets, const std::
         "</styleSheet>");
 
     std::vector<std::pair<std::string, std::string>> all = {
-        {"[Content_Types].xml", Text(types)}, {"_rels/.rels", Text(rels)},
-        {"xl/workbook.xml", Text(book)},      {"xl/_rels/workbook.xml.rels", Text(book_rels)},
-        {"xl/styles.xml", Text(styles)},
+        {"[Content_Types].xml", WriteNewXml(types)}, {"_rels/.rels", WriteNewXml(rels)},
+        {"xl/workbook.xml", WriteNewXml(book)},      {"xl/_rels/workbook.xml.rels", WriteNewXml(book_rels)},
+        {"xl/styles.xml", WriteNewXml(styles)},
     };
     all.insert(all.end(), parts.begin(), parts.end());
     return NewPackage(all, file);

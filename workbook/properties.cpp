@@ -13,11 +13,6 @@ namespace cauce::workbook {
 namespace {
 
 constexpr const char* kPart = "docProps/custom.xml";
-constexpr const char* kNs = "http://schemas.openxmlformats.org/officeDocument/2006/custom-properties";
-constexpr const char* kVt = "http://schemas.openxmlformats.org/officeDocument/2006/docPropsVTypes";
-constexpr const char* kRelType =
-    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/custom-properties";
-constexpr const char* kContentType = "application/vnd.openxmlformats-officedocument.custom-properties+xml";
 // The identifier every custom property carries, as the format fixes it.
 constexpr const char* kFmtid = "{D5CDD505-2E9C-101B-9397-08002B2CF9AE}";
 
@@ -43,14 +38,6 @@ std::map<std::string, std::string> Parse(Package& pkg) {
     return out;
 }
 
-std::string Declared(pugi::xml_document& doc) {
-    auto decl = doc.prepend_child(pugi::node_declaration);
-    decl.append_attribute("version") = "1.0";
-    decl.append_attribute("encoding") = "UTF-8";
-    decl.append_attribute("standalone") = "yes";
-    return WriteXml(doc);
-}
-
 }  // namespace
 
 std::map<std::string, std::string> ReadCustomProperties(const std::filesystem::path& path) {
@@ -72,8 +59,10 @@ void WriteCustomProperties(const std::filesystem::path& path,
 
     pugi::xml_document doc;
     auto root = doc.append_child("Properties");
-    root.append_attribute("xmlns") = kNs;
-    root.append_attribute("xmlns:vt") = kVt;
+    root.append_attribute("xmlns") =
+        "http://schemas.openxmlformats.org/officeDocument/2006/custom-properties";
+    root.append_attribute("xmlns:vt") =
+        "http://schemas.openxmlformats.org/officeDocument/2006/docPropsVTypes";
     int pid = 2;  // the format starts property ids at 2
     for (const auto& [name, value] : props) {
         auto p = root.append_child("property");
@@ -84,7 +73,7 @@ void WriteCustomProperties(const std::filesystem::path& path,
     }
     std::map<std::string, std::string> replaced;
     const std::string existing = pkg.Find(kPart);
-    replaced[existing.empty() ? kPart : existing] = Declared(doc);
+    replaced[existing.empty() ? kPart : existing] = WriteNewXml(doc);
 
     if (existing.empty()) {
         // A new part: the package's list of content types and its relationships must name it.
@@ -98,7 +87,8 @@ void WriteCustomProperties(const std::filesystem::path& path,
         ParseXml(rels, pkg.Read(rels_part), pkg.File(), rels_part);
         auto o = types.document_element().append_child("Override");
         o.append_attribute("PartName") = (std::string("/") + kPart).c_str();
-        o.append_attribute("ContentType") = kContentType;
+        o.append_attribute("ContentType") =
+            "application/vnd.openxmlformats-officedocument.custom-properties+xml";
         int id = 1;
         std::string rid;
         do {
@@ -106,7 +96,8 @@ void WriteCustomProperties(const std::filesystem::path& path,
         } while (rels.document_element().find_child_by_attribute("Id", rid.c_str()));
         auto r = rels.document_element().append_child("Relationship");
         r.append_attribute("Id") = rid.c_str();
-        r.append_attribute("Type") = kRelType;
+        r.append_attribute("Type") =
+            "http://schemas.openxmlformats.org/officeDocument/2006/relationships/custom-properties";
         r.append_attribute("Target") = kPart;
         replaced[types_part] = WriteXml(types);
         replaced[rels_part] = WriteXml(rels);

@@ -110,6 +110,14 @@ std::string WriteXml(pugi::xml_document& doc) {
     return out.str();
 }
 
+std::string WriteNewXml(pugi::xml_document& doc) {
+    auto decl = doc.prepend_child(pugi::node_declaration);
+    decl.append_attribute("version") = "1.0";
+    decl.append_attribute("encoding") = "UTF-8";
+    decl.append_attribute("standalone") = "yes";
+    return WriteXml(doc);
+}
+
 std::string_view LocalName(const pugi::xml_node& node) {
     std::string_view n = node.name();
     const auto colon = n.find(':');

@@ -17,6 +17,9 @@ void ParseXml(pugi::xml_document& doc, const std::string& text, const std::strin
 // The XML text of a document as it was parsed (declaration kept, no reformatting), in UTF-8.
 std::string WriteXml(pugi::xml_document& doc);
 
+// The text of a document made here: the declaration (version 1.0, UTF-8, standalone) first.
+std::string WriteNewXml(pugi::xml_document& doc);
+
 // The element's name without its namespace prefix.
 std::string_view LocalName(const pugi::xml_node& node);
 // The prefix of the element's name with its colon ("x:"), "" when it has none.
