@@ -321,6 +321,14 @@ TEST(PrismaticFaults, BadDataAndEndlessSearchesAreFaultsNamingTheCause) {
              st.Circular();
          },
          "no termina"},
+        // A discharge too large for the fixed-point iteration to settle on the trapezoid's depth.
+        {"critical depth, huge discharge",
+         [] {
+             State st = Channel(0.015, 0.001, 2, 1);
+             st.Qc = 1e30;
+             st.Critica();
+         },
+         "no converge"},
         // A negative discharge is never supercritical: the descent never ends.
         {"conduit critical depth",
          [] {
