@@ -247,11 +247,6 @@ class Windows : public QObject {
         QCOMPARE(table->item(2, 3)->text(), QStringLiteral("101.140"));
         QCOMPARE(table->item(2, 11)->text(), QStringLiteral("0.00"));
         for (int row = 0; row < 3; ++row) QCOMPARE(table->item(row, 8)->text(), QStringLiteral("subcrítico"));
-        QStringList names;
-        for (QAbstractSeries* s : w->Chart()->chart()->series()) names << s->name();
-        QVERIFY(names.contains(QStringLiteral("Agua, paso estándar")));
-        QVERIFY(names.contains(QStringLiteral("Energía, paso estándar")));
-        QVERIFY(!names.contains(QStringLiteral("Resalto")));
         desktop.Exit();
     }
 
