@@ -18,9 +18,8 @@
                                           sets one cell (VALOR in JSON; REGISTRO 0 is the header row)
   workbooks.py hoja-vacia RUTA HOJA       adds an empty sheet
   workbooks.py crear-bomba RUTA           a package whose sheet expands to 200 MB
-  workbooks.py crear-entidades RUTA CLASE the package of crear-xml with a document type declaring
-                                          entities: "risas" (nested expansion in xl/workbook.xml) or
-                                          "externa" (a file of the system in xl/sharedStrings.xml)
+  workbooks.py crear-entidades RUTA       the package of crear-xml with a document type declaring
+                                          nested entities in xl/workbook.xml
   workbooks.py crear-xml RUTA [PREFIJO]   a package written part by part as Excel writes it: shared
                                           strings with runs, inline strings, booleans, errors, formulas
                                           with cached results, a shared formula, a calculation chain,
@@ -205,23 +204,16 @@ def create_bomb(path):
             z.writestr(name, data)
 
 
-def create_entities(path, kind):
+def create_entities(path):
     import zipfile
     create_xml(path)
     with zipfile.ZipFile(path) as z:
         parts = {n: z.read(n) for n in z.namelist()}
-    if kind == "risas":
-        lol = '<!ENTITY lol "lol">' + "".join(
-            f'<!ENTITY lol{i} "{("&lol" + (str(i - 1) if i > 1 else "") + ";") * 10}">' for i in range(1, 10))
-        text = parts["xl/workbook.xml"].decode()
-        text = text.replace("?>\n", f"?>\n<!DOCTYPE workbook [{lol}]>", 1).replace(
-            'name="Persecc"', 'name="&lol9;"')
-        parts["xl/workbook.xml"] = text.encode()
-    else:
-        text = parts["xl/sharedStrings.xml"].decode()
-        text = text.replace("?>\n", '?>\n<!DOCTYPE sst [<!ENTITY xxe SYSTEM "file:///etc/passwd">]>', 1).replace(
-            "<t>SecId</t>", "<t>&xxe;</t>")
-        parts["xl/sharedStrings.xml"] = text.encode()
+    lol = '<!ENTITY lol "lol">' + "".join(
+        f'<!ENTITY lol{i} "{("&lol" + (str(i - 1) if i > 1 else "") + ";") * 10}">' for i in range(1, 10))
+    text = parts["xl/workbook.xml"].decode()
+    parts["xl/workbook.xml"] = text.replace("?>\n", f"?>\n<!DOCTYPE workbook [{lol}]>", 1).replace(
+        'name="Persecc"', 'name="&lol9;"').encode()
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as z:
         for name, data in parts.items():
             z.writestr(name, data)
@@ -351,7 +343,7 @@ if __name__ == "__main__":
     elif cmd == "crear-bomba":
         create_bomb(sys.argv[2])
     elif cmd == "crear-entidades":
-        create_entities(sys.argv[2], sys.argv[3])
+        create_entities(sys.argv[2])
     elif cmd == "leer":
         read(sys.argv[2], sys.argv[3])
     else:
