@@ -262,12 +262,9 @@ class Session : public QObject {
             const char *screen, *layout, *box, *name;  // layout: a button pressed first ("" none)
         } cases[] = {
             {"Form2", "", "Text97", "Rugosidad, zona inundable"},
-            {"Form4", "", "Text94", "Pendiente (m/m)"},
             {"Form2", "", "Text4", "Ancho m, punto 2 (m)"},
-            {"Form2", "", "Text65", "Z agua m, sección 3 (m)"},
             {"Form2", "", "Text36", "Perfil Tipo, sección 3"},
             {"Form3", "", "Text122", "Para calcular Socavación: Dmm? (mm)"},
-            {"Form5", "", "Text101", "Q lleno m3/s (m³/s)"},
             {"Form1", "Command1", "Text4", "Talud (H:V)"},
             {"Form1", "Command2", "Text3", "Diametro (m)"},
         };

@@ -150,7 +150,6 @@ class Windows : public QObject {
         app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
         app::ScreenWindow* w = desktop.Open("Form4");
         app::Navigator* nav = w->View()->DataNavigator();
-        QCOMPARE(nav->Caption(), QStringLiteral("Perfiles de zorvena"));
         QCOMPARE(nav->Position(), QStringLiteral("Sin libro abierto"));
         QVERIFY(!nav->Next()->isEnabled());
         desktop.Exit();
@@ -165,7 +164,6 @@ class Windows : public QObject {
         QAction* form1 = MenuAction(first, QStringLiteral("Pantallas"), QStringLiteral("Form1"));
         QAction* form2 = MenuAction(first, QStringLiteral("Pantallas"), QStringLiteral("Form2"));
         QVERIFY(form1 && form2);
-        QVERIFY(form1->text().startsWith(QStringLiteral("Form1: ")));
         form1->trigger();
         form2->trigger();
         QCOMPARE(desktop.Windows().size(), std::size_t{3});
