@@ -34,6 +34,16 @@ QByteArray Read(const QString& path) {
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
+// Form2 on a new workbook, tramo.xlsx in a temporary folder.
+struct OnNewBook {
+    QTemporaryDir dir;
+    QString path = dir.filePath(QStringLiteral("tramo.xlsx"));
+    RecordingPrompter prompter;
+    app::Desktop desktop{prompter, [](std::string_view) { return std::string(); }};
+    app::ScreenWindow* w = desktop.Open("Form2");
+    bool made = w->Files()->NewWorkbook(path);
+};
+
 }  // namespace
 
 class FileMenu : public QObject {
@@ -47,12 +57,9 @@ class FileMenu : public QObject {
     // A new workbook opens with one record (in every screen: workbook_command_test.py); it is never
     // written over an existing file.
     void newWorkbookOpensInEveryScreen() {
-        QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("tramo.xlsx"));
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
-        app::ScreenWindow* w = desktop.Open("Form2");
-        QVERIFY(w->Files()->NewWorkbook(path));
+        OnNewBook on;
+        auto& [dir, path, prompter, desktop, w, made] = on;
+        QVERIFY(made);
         QCOMPARE(w->View()->DataNavigator()->Position(), QStringLiteral("Registro 1 de 1"));
         QVERIFY(app::FileActions::Recent().contains(QFileInfo(path).absoluteFilePath()));
         const QByteArray before = Read(path);
@@ -66,12 +73,9 @@ class FileMenu : public QObject {
     // Adding copies the reach-wide values and numbers the new section; deleting asks first;
     // renumbering puts each record's order and the count in every record.
     void recordsAddDeleteRenumber() {
-        QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("tramo.xlsx"));
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
-        app::ScreenWindow* w = desktop.Open("Form2");
-        QVERIFY(w->Files()->NewWorkbook(path));
+        OnNewBook on;
+        auto& [dir, path, prompter, desktop, w, made] = on;
+        QVERIFY(made);
         app::ScreenView* view = w->View();
         app::Navigator* nav = view->DataNavigator();
         QVERIFY(!nav->Delete()->isEnabled());

@@ -320,31 +320,16 @@ def read(path, sheet):
     print(json.dumps([[c.value for c in row] for row in ws.iter_rows()], ensure_ascii=False, default=str))
 
 
+def empty_sheet(path, sheet):
+    wb = openpyxl.load_workbook(path)
+    wb.create_sheet(sheet)
+    wb.save(path)
+
+
 if __name__ == "__main__":
-    cmd = sys.argv[1]
-    if cmd == "crear":
-        create(sys.argv[2])
-    elif cmd == "crear-xls":
-        create_xls(sys.argv[2])
-    elif cmd == "xls-libreoffice":
-        xls_by_libreoffice(sys.argv[2], sys.argv[3])
-    elif cmd == "verificar":
-        sys.exit(verify(sys.argv[2], sys.argv[3], sys.argv[4]))
-    elif cmd == "crear-xml":
-        create_xml(sys.argv[2], sys.argv[3] if len(sys.argv) > 3 else "")
-    elif cmd == "formulas":
-        formulas(sys.argv[2], sys.argv[3])
-    elif cmd == "poner":
-        put(*sys.argv[2:7])
-    elif cmd == "hoja-vacia":
-        wb = openpyxl.load_workbook(sys.argv[2])
-        wb.create_sheet(sys.argv[3])
-        wb.save(sys.argv[2])
-    elif cmd == "crear-bomba":
-        create_bomb(sys.argv[2])
-    elif cmd == "crear-entidades":
-        create_entities(sys.argv[2])
-    elif cmd == "leer":
-        read(sys.argv[2], sys.argv[3])
-    else:
-        sys.exit(f"orden desconocida: {cmd}")
+    COMMANDS = {"crear": create, "crear-xls": create_xls, "xls-libreoffice": xls_by_libreoffice, "verificar": verify,
+                "crear-xml": create_xml, "formulas": formulas, "poner": put, "hoja-vacia": empty_sheet,
+                "crear-bomba": create_bomb, "crear-entidades": create_entities, "leer": read}
+    if len(sys.argv) < 2 or sys.argv[1] not in COMMANDS:
+        sys.exit(f"orden desconocida: {' '.join(sys.argv[1:2])}")
+    sys.exit(COMMANDS[sys.argv[1]](*sys.argv[2:]))
