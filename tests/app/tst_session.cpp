@@ -22,6 +22,7 @@
 #include "app/profile_chart.hpp"
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
+#include "forms/format.hpp"
 #include "screens/registry.hpp"
 #include "support.hpp"
 
@@ -364,6 +365,7 @@ class Session : public QObject {
         w->ComputeReach();
         QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
         const bool form3 = screen == "Form3";
+        const auto& points = w->Chart()->Points();  // the plot follows the table, on every profile screen
         int rows = 0;
         for (const QString& line : lines) {
             const QStringList f = line.split(',');
@@ -373,6 +375,8 @@ class Session : public QObject {
             auto box = [&](int n) { return w->View()->Box("Text" + std::to_string(n))->text(); };
             QCOMPARE(box(form3 ? 75 + j : 62 + j), f[za]);
             QCOMPARE(box(form3 ? 90 + j : 77 + j), f[v]);
+            QVERIFY(points.size() >= std::size_t(j));
+            QCOMPARE(Q(forms::Format(points[std::size_t(j - 1)].water, "0.00")), f[za]);
             if (form3) {
                 if (!f[ysoc].isEmpty()) QCOMPARE(box(105 + j), f[ysoc]);
             } else {

@@ -18,14 +18,12 @@
 #include "forms/format.hpp"
 #include "forms/val.hpp"
 #include "screens/form1.hpp"
-#include "screens/form3.hpp"
 #include "screens/profile_screen.hpp"
 #include "support.hpp"
 
 using namespace cauce;
 using namespace cauce::apptest;
 namespace form1 = cauce::screens::form1;
-namespace form3 = cauce::screens::form3;
 namespace profile = cauce::screens::profile;
 
 namespace {
@@ -245,44 +243,6 @@ class Windows : public QObject {
         QCOMPARE(table->item(2, 3)->text(), QStringLiteral("101.140"));
         QCOMPARE(table->item(2, 11)->text(), QStringLiteral("0.00"));
         for (int row = 0; row < 3; ++row) QCOMPARE(table->item(row, 8)->text(), QStringLiteral("subcrítico"));
-        desktop.Exit();
-    }
-
-    // The scour screen plots its profile too. Three rectangular sections 150 m apart, M1 throughout
-    // from 3.002 m at the last (tests/guiones/form3_perfil.guion: water at 103.387, 103.232, 103.00).
-    void scourScreenPlotsItsProfile() {
-        RecordingPrompter prompter;
-        app::Desktop desktop(prompter, [](std::string_view) { return std::string(); });
-        app::ScreenWindow* w = desktop.Open("Form3");
-        app::ScreenView* view = w->View();
-        const char* beds[] = {"100.6", "100.3", "100.0"};
-        const char* tops[] = {"104.60", "104.30", "104.00"};
-        const char* widths[] = {"10", "12", "10"};
-        const char* chainages[] = {"0", "150", "300"};
-        Type(view, form3::box::SectionCount, "3");
-        Type(view, form3::box::Roughness, "0.03");
-        Type(view, form3::box::Slope, "0.002");
-        Type(view, form3::box::Discharge, "60");
-        for (int k = 0; k < 3; ++k) {
-            Type(view, form3::box::SectionNumber, QString::number(k + 1));
-            Type(view, form3::LevelElevation(1), beds[k]);
-            Type(view, form3::LevelWidth(1), widths[k]);
-            Type(view, form3::LevelElevation(2), tops[k]);
-            Type(view, form3::LevelWidth(2), widths[k]);
-            Type(view, form3::box::Chainage, chainages[k]);
-            Click(view->Button(form3::button::Section));
-        }
-        Type(view, form3::box::FinalDepth, "3.002");
-        Click(view->Button(form3::button::Profiles));
-        QVERIFY2(prompter.faults.isEmpty(), qPrintable(prompter.faults.join('\n')));
-        const auto& points = w->Chart()->Points();
-        QCOMPARE(points.size(), std::size_t{3});
-        const double water[] = {103.387, 103.232, 103.00};
-        for (int k = 0; k < 3; ++k) {
-            QCOMPARE(points[k].chainage, 150.0 * k);
-            QCOMPARE(points[k].type, QStringLiteral("M1"));
-            QVERIFY(std::abs(points[k].water - water[k]) < 0.006);
-        }
         desktop.Exit();
     }
 };
