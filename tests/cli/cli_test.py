@@ -144,8 +144,7 @@ class PerfilTest(Scratch):
         self.assertIn("No se encuentra el libro", reaches[1]["error"])
         self.assertEqual(reaches[2]["perfil"], out[0]["perfil"])
         self.assertIn("falta.xlsx", r.stderr)
-
-    def test_mixed_reaches_take_their_own_depth(self):
+        # A profile screen and the scour screen, each from its own depth.
         out = json.loads(self.ok("perfil", "Rios.xlsx", "Ormandi.xlsx", "--y-inicial", "1.8", "--y-final", "2.5",
                                  "--formato", "json"))
         self.assertEqual([(r["pantalla"], r["tirante"]["nombre"], r["tirante"]["valor"]) for r in out],
@@ -155,13 +154,16 @@ class PerfilTest(Scratch):
 class FormatosTest(Scratch):
     """CSV and JSON read by Python's own parsers; the text table for people."""
 
-    def test_csv_parses_with_one_row_per_section(self):
+    def test_csv_and_json_parse(self):
         out = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8", "--formato", "csv")
         rows = list(csv.reader(io.StringIO(out)))
         head = rows[0]
         self.assertEqual(head[:5], ["libro", "hoja", "pantalla", "registro", "seccion"])
         self.assertTrue(all(len(r) == len(head) for r in rows))
         self.assertEqual([int(r[4]) for r in rows[1:]], list(range(1, 13)))
+        reach = json.loads(self.ok("perfil", "Ormandi.xlsx", "--y-final", "2.5", "--formato", "json"))[0]
+        self.assertEqual((reach["hoja"], reach["pantalla"], reach["n_secciones"]), ("secciones ", "Form3", 10))
+        self.assertTrue(all(isinstance(p["z_agua"], float) and isinstance(p["ysoc"], float) for p in reach["perfil"]))
 
     def test_a_section_without_discharge(self):
         wb = openpyxl.load_workbook(self.path("Rios.xlsx"))
@@ -171,12 +173,6 @@ class FormatosTest(Scratch):
         rows = list(csv.DictReader(io.StringIO(out)))
         self.assertEqual(rows[0]["yn_m"], "")
         self.assertIn("Sin caudal", rows[0]["aviso"])
-
-    def test_json_parses_with_numbers_as_numbers(self):
-        out = json.loads(self.ok("perfil", "Ormandi.xlsx", "--y-final", "2.5", "--formato", "json"))
-        reach = out[0]
-        self.assertEqual((reach["hoja"], reach["pantalla"], reach["n_secciones"]), ("secciones ", "Form3", 10))
-        self.assertTrue(all(isinstance(p["z_agua"], float) and isinstance(p["ysoc"], float) for p in reach["perfil"]))
 
     def test_text_for_people(self):
         out = self.ok("perfil", "Rios.xlsx", "--y-inicial", "1.8")
@@ -213,7 +209,7 @@ class GuardarTest(Scratch):
 
 
 class UniformeTest(Scratch):
-    """cauce canal and cauce tubo show what Form1 shows, and the numbers stand against hand checks."""
+    """cauce canal shows what Form1 shows for the same boxes."""
 
     def form1(self, layout, boxes, button):
         lines = ["pantalla Form1", "oprimir " + layout]
