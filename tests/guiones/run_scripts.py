@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the driver scripts beside this file through a built `cauce guion` and checks what it prints.
 
-The check is the one the unit tests make in-process: each line printed must hold the keys and values of
+Each line printed must hold the keys and values of
 the matching line of the .json file beside the script (a line may list only the controls it checks),
 an "error" absent from the expected line must be absent from the printed one, no line may be missing
 or left over, and the driver must end with status 0. A comment "# @copy FILE" copies FILE into the

@@ -287,15 +287,10 @@ TEST(SurveySection, BadSurveysAreRefusedNamingTheLine) {
     const std::vector<Row> rows = {
         {Pts({{0, 105}, {5, 100}}), 15,
          "Hacen falta al menos 3 puntos (abscisa y cota) de izquierda a derecha; hay 2."},
-        {Pts({{0, 105}, {5, 100}, {5, 100}}), 15,
-         "Hacen falta al menos 3 puntos (abscisa y cota) de izquierda a derecha; hay 2."},
         {Pts({{0, 100}, {5, 102}, {10, 105}}), 15,
          "El perfil no retiene agua: el extremo izquierdo (línea 1, cota 100) no está por encima del fondo "
          "(cota "
          "100)."},
-        {Pts({{0, 105}, {5, 101}, {10, 101}}), 15,
-         "El perfil no retiene agua: el extremo derecho (línea 3, cota 101) no está por encima del fondo "
-         "(cota 101)."},
         {Pts({{10, 105}, {5, 100}, {0, 105}}), 15,
          "Línea 3: la última abscisa (0) no es mayor que la primera (10); los puntos van de izquierda a "
          "derecha."},
@@ -309,7 +304,6 @@ TEST(SurveySection, BadSurveysAreRefusedNamingTheLine) {
          "Línea 2: la abscisa y la cota deben ser números de metros entre -1000000 y 1000000."},
         {std::vector<Point>(5001, Point{0, 100, 1}), 15,
          "El levantamiento tiene 5001 puntos; el máximo es 5000."},
-        {Pts({{0, 105}, {5, 100}, {10, 105}}), 1, "El número de niveles va de 2 a 15; se pidieron 1."},
         {Pts({{0, 105}, {5, 100}, {10, 105}}), 16, "El número de niveles va de 2 a 15; se pidieron 16."},
     };
     for (const Row& r : rows) {

@@ -240,11 +240,6 @@ class LibreOfficeTest(Scratch):
             self.assertEqual(r.returncode, 1)
             self.assertIn("está abierto para edición por", json.loads(r.stdout)["aviso"])
             self.assertIn("Sus cambios no se guardaron", r.stderr)
-            r = subprocess.run([CAUCE, "perfil", "Rios.xlsx", "--hoja", "Persecc", "--y-inicial", "1.5",
-                                "--guardar"], capture_output=True, text=True, cwd=self.dir, env=self.env,
-                               timeout=60)
-            self.assertEqual(r.returncode, 1, r.stdout)
-            self.assertIn("está abierto para edición por", r.stderr)
             self.assertEqual(open(book, "rb").read(), original)
             self.assertEqual(open(lock, encoding="utf-8").read(), theirs)
         finally:

@@ -18,9 +18,8 @@
                                           sets one cell (VALOR in JSON; REGISTRO 0 is the header row)
   workbooks.py hoja-vacia RUTA HOJA       adds an empty sheet
   workbooks.py crear-bomba RUTA           a package whose sheet expands to 200 MB
-  workbooks.py crear-entidades RUTA CLASE the package of crear-xml with a document type declaring
-                                          entities: "risas" (nested expansion in xl/workbook.xml) or
-                                          "externa" (a file of the system in xl/sharedStrings.xml)
+  workbooks.py crear-entidades RUTA       the package of crear-xml with a document type declaring
+                                          nested entities in xl/workbook.xml
   workbooks.py crear-xml RUTA [PREFIJO]   a package written part by part as Excel writes it: shared
                                           strings with runs, inline strings, booleans, errors, formulas
                                           with cached results, a shared formula, a calculation chain,
@@ -205,23 +204,16 @@ def create_bomb(path):
             z.writestr(name, data)
 
 
-def create_entities(path, kind):
+def create_entities(path):
     import zipfile
     create_xml(path)
     with zipfile.ZipFile(path) as z:
         parts = {n: z.read(n) for n in z.namelist()}
-    if kind == "risas":
-        lol = '<!ENTITY lol "lol">' + "".join(
-            f'<!ENTITY lol{i} "{("&lol" + (str(i - 1) if i > 1 else "") + ";") * 10}">' for i in range(1, 10))
-        text = parts["xl/workbook.xml"].decode()
-        text = text.replace("?>\n", f"?>\n<!DOCTYPE workbook [{lol}]>", 1).replace(
-            'name="Persecc"', 'name="&lol9;"')
-        parts["xl/workbook.xml"] = text.encode()
-    else:
-        text = parts["xl/sharedStrings.xml"].decode()
-        text = text.replace("?>\n", '?>\n<!DOCTYPE sst [<!ENTITY xxe SYSTEM "file:///etc/passwd">]>', 1).replace(
-            "<t>SecId</t>", "<t>&xxe;</t>")
-        parts["xl/sharedStrings.xml"] = text.encode()
+    lol = '<!ENTITY lol "lol">' + "".join(
+        f'<!ENTITY lol{i} "{("&lol" + (str(i - 1) if i > 1 else "") + ";") * 10}">' for i in range(1, 10))
+    text = parts["xl/workbook.xml"].decode()
+    parts["xl/workbook.xml"] = text.replace("?>\n", f"?>\n<!DOCTYPE workbook [{lol}]>", 1).replace(
+        'name="Persecc"', 'name="&lol9;"').encode()
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as z:
         for name, data in parts.items():
             z.writestr(name, data)
@@ -328,31 +320,16 @@ def read(path, sheet):
     print(json.dumps([[c.value for c in row] for row in ws.iter_rows()], ensure_ascii=False, default=str))
 
 
+def empty_sheet(path, sheet):
+    wb = openpyxl.load_workbook(path)
+    wb.create_sheet(sheet)
+    wb.save(path)
+
+
 if __name__ == "__main__":
-    cmd = sys.argv[1]
-    if cmd == "crear":
-        create(sys.argv[2])
-    elif cmd == "crear-xls":
-        create_xls(sys.argv[2])
-    elif cmd == "xls-libreoffice":
-        xls_by_libreoffice(sys.argv[2], sys.argv[3])
-    elif cmd == "verificar":
-        sys.exit(verify(sys.argv[2], sys.argv[3], sys.argv[4]))
-    elif cmd == "crear-xml":
-        create_xml(sys.argv[2], sys.argv[3] if len(sys.argv) > 3 else "")
-    elif cmd == "formulas":
-        formulas(sys.argv[2], sys.argv[3])
-    elif cmd == "poner":
-        put(*sys.argv[2:7])
-    elif cmd == "hoja-vacia":
-        wb = openpyxl.load_workbook(sys.argv[2])
-        wb.create_sheet(sys.argv[3])
-        wb.save(sys.argv[2])
-    elif cmd == "crear-bomba":
-        create_bomb(sys.argv[2])
-    elif cmd == "crear-entidades":
-        create_entities(sys.argv[2], sys.argv[3])
-    elif cmd == "leer":
-        read(sys.argv[2], sys.argv[3])
-    else:
-        sys.exit(f"orden desconocida: {cmd}")
+    COMMANDS = {"crear": create, "crear-xls": create_xls, "xls-libreoffice": xls_by_libreoffice, "verificar": verify,
+                "crear-xml": create_xml, "formulas": formulas, "poner": put, "hoja-vacia": empty_sheet,
+                "crear-bomba": create_bomb, "crear-entidades": create_entities, "leer": read}
+    if len(sys.argv) < 2 or sys.argv[1] not in COMMANDS:
+        sys.exit(f"orden desconocida: {' '.join(sys.argv[1:2])}")
+    sys.exit(COMMANDS[sys.argv[1]](*sys.argv[2:]))
