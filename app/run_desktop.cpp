@@ -31,7 +31,7 @@ long StatusKilobytes(const char* key) {
 }
 
 // With CAUCE_MEDIR_ARRANQUE set, the program ends right after the first window has been painted and
-// prints how long that took and the memory it holds (bench/arranque.sh).
+// prints how long that took and the memory it holds (bench/startup.sh).
 class FirstPaintProbe : public QObject {
   public:
     explicit FirstPaintProbe(const QElapsedTimer& since) : since_(since) {}

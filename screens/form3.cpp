@@ -127,11 +127,13 @@ void Form3::LastSection() {
 
 // "Perfiles": the grain size, then the final depth, the run with scour, the table.
 void Form3::Command1Click() {
+    depth_asked_ = false;
     if (Text("Label31") == kSinArea) Set("Label31", "");  // the message of a previous run only
     scour::Bed bed;
     bed.Dm = ValOf("Text122") / 1000;
     Set("Label5", "Yfinal");
-    if (!profiles::SetStartDepth(st_, ValOf("Text128"))) {
+    depth_asked_ = !profiles::SetStartDepth(st_, ValOf("Text128"));
+    if (depth_asked_) {
         Set("Label5", "Incluya Y final");
         return;
     }

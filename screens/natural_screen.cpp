@@ -63,7 +63,8 @@ void NaturalScreen::ReadSection() {
 void NaturalScreen::BuildTables() {
     const int i = st_.i;
     st_.CountLevels(i);
-    switch (st_.Qful(i)) {
+    table_verdict_ = st_.Qful(i);
+    switch (table_verdict_) {
         case natural::TableError::Cotas:
             Set("Label26", natural::kCotasError);
             break;
@@ -76,6 +77,7 @@ void NaturalScreen::BuildTables() {
 }
 
 void NaturalScreen::SectionClick() {
+    table_verdict_ = natural::TableError::None;
     if (!Inicio()) return;
     const int i = st_.i;
     Set("Label31", "");

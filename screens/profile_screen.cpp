@@ -96,8 +96,10 @@ void ProfileScreen::LastSection() {
 
 // "Perfiles": the depth at the last section, the chainages of the fifteen rows, the run, the table.
 void ProfileScreen::Command1Click() {
+    depth_asked_ = false;
     Set("Label32", "Yinicial");
-    if (!profiles::SetStartDepth(st_, ValOf("Text98"))) {
+    depth_asked_ = !profiles::SetStartDepth(st_, ValOf("Text98"));
+    if (depth_asked_) {
         Set("Label32", "Incluya Y inicial");
         return;
     }

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "platform/platform.hpp"
 #include "workbook/limits.hpp"
 #include "workbook/new_workbook.hpp"
@@ -50,7 +50,7 @@ std::string Reason(int code) {
 }
 
 [[noreturn]] void Refuse(const std::string& file, const std::string& why) {
-    raise("No se puede leer el libro antiguo \"" + file + "\": " + why +
+    raise(FaultCode::FileDamaged, "No se puede leer el libro antiguo \"" + file + "\": " + why +
           ". El archivo no se modificó; si Excel o LibreOffice lo abren, guárdelo allí como .xlsx y "
           "ábralo en Cauce.");
 }
@@ -304,7 +304,7 @@ LegacyBook ReadLegacyBook(const fs::path& path) {
     std::string error;
     if (!child.Succeeded() || !ParseFrames(child.out, sheets, omitted, error))
         Refuse(file, "su contenido está dañado (el lector de libros antiguos no pudo con él)");
-    if (!error.empty()) raise(error);
+    if (!error.empty()) raise(FaultCode::FileDamaged, error);
     if (sheets.empty()) Refuse(file, "no tiene hojas que se puedan leer");
     return {NewWorkbookBytes(sheets, file), omitted};
 }

@@ -11,7 +11,7 @@
 #include <QSaveFile>
 #include <QWidget>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "workbook/properties.hpp"
 
 namespace cauce::app {

@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/natural/state.hpp"
 #include "hydraulics/scour/scour.hpp"
 #include "hydraulics/standard_step/balance.hpp"

@@ -298,7 +298,7 @@ void Do(Screen& screen, const Steps& steps) {
             screen.Type(s.control, s.text);
         } else {
             const auto error = screen.Click(s.control);
-            ASSERT_FALSE(error.has_value()) << s.control << ": " << *error;
+            ASSERT_FALSE(error.has_value()) << s.control << ": " << error->what();
         }
     }
 }
@@ -311,10 +311,10 @@ TEST_P(GuardTest, StopsTheClickWithItsMessageAndTheScreenComputesTheRealChannel)
     ASSERT_NO_FATAL_FAILURE(Do(*screen, g.before));
     const auto error = screen->Click(g.button);
     if (g.fault.empty()) {
-        EXPECT_FALSE(error.has_value()) << *error;
+        EXPECT_FALSE(error.has_value()) << error->what();
     } else {
         ASSERT_TRUE(error.has_value());
-        EXPECT_EQ(*error, g.fault);
+        EXPECT_EQ(error->what(), g.fault);
     }
     for (const auto& [box, text] : g.message) EXPECT_EQ(screen->Get(box).text, text) << box;
 

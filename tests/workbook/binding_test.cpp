@@ -2,7 +2,7 @@
 // screen, and an edit that could not be saved staying pending instead of being lost.
 #include <nlohmann/json.hpp>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "tests/workbook/support.hpp"
 #include "workbook/records.hpp"
 #include "workbook/workbook.hpp"

@@ -2,7 +2,7 @@
 // process that is cauce itself; a reader that dies is a message naming the file, never a crash.
 #include <cstdlib>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "tests/workbook/support.hpp"
 #include "workbook/legacy.hpp"
 #include "workbook/workbook.hpp"
