@@ -17,8 +17,7 @@ struct Suspect {
 };
 
 // The message of the dialog for the fault that stopped the click on `button` (its caption).
-std::string WordFault(const Fault& fault, const std::string& button,
-                      const std::vector<Suspect>& suspects);
+std::string WordFault(const Fault& fault, const std::string& button, const std::vector<Suspect>& suspects);
 
 // Captions of the quantities that a blank or zero makes a computation divide by zero.
 bool IsDivisor(const std::string& caption);

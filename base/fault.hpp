@@ -14,26 +14,26 @@ namespace cauce {
 
 enum class FaultCode {
     // The legacy run time's arithmetic.
-    DivisionByZero,  // x / 0
-    ZeroOverZero,    // 0 / 0
-    NegativeRoot,    // the square root of a negative number
-    NotRealPower,    // a negative base with a fractional exponent
-    Overflow,        // a result too large, or a number typed too large
-    IntegerOverflow, // a whole number outside -32768..32767
-    Subscript,       // a subscript outside a table's bounds
+    DivisionByZero,   // x / 0
+    ZeroOverZero,     // 0 / 0
+    NegativeRoot,     // the square root of a negative number
+    NotRealPower,     // a negative base with a fractional exponent
+    Overflow,         // a result too large, or a number typed too large
+    IntegerOverflow,  // a whole number outside -32768..32767
+    Subscript,        // a subscript outside a table's bounds
 
     // Marches and iterations that do not end: each has its own budget of steps.
-    NormalDepthEndless,         // natural section, in-bank normal depth
-    CriticalDepthEndless,       // natural section, critical depth
-    FloodDepthEndless,          // natural section, depth over the banks
-    FloodCriticalEndless,       // natural section, critical depth over the banks
-    ChannelNormalEndless,       // trapezoidal channel, normal depth iteration
-    ChannelCriticalEndless,     // trapezoidal channel, critical depth iteration
-    ChannelFloodEndless,        // trapezoidal channel, depth over the banks
-    ConduitNormalEndless,       // circular conduit, normal depth
-    ConduitCriticalEndless,     // circular conduit, critical depth
-    ProfileEndless,             // the direct-step profile
-    StandardStepNoDepth,        // the standard step finds no depth for a section
+    NormalDepthEndless,      // natural section, in-bank normal depth
+    CriticalDepthEndless,    // natural section, critical depth
+    FloodDepthEndless,       // natural section, depth over the banks
+    FloodCriticalEndless,    // natural section, critical depth over the banks
+    ChannelNormalEndless,    // trapezoidal channel, normal depth iteration
+    ChannelCriticalEndless,  // trapezoidal channel, critical depth iteration
+    ChannelFloodEndless,     // trapezoidal channel, depth over the banks
+    ConduitNormalEndless,    // circular conduit, normal depth
+    ConduitCriticalEndless,  // circular conduit, critical depth
+    ProfileEndless,          // the direct-step profile
+    StandardStepNoDepth,     // the standard step finds no depth for a section
 
     // Data a computation cannot use.
     ZeroSlope,
@@ -49,23 +49,20 @@ enum class FaultCode {
     SurveyLevels,  // a number of levels outside 2..15
 
     // Records and screens.
-    NoWorkbook,       // a screen without a workbook, or a build without workbooks
-    NoSuchRecord,     // a record number outside the sheet, or a sheet with none
-    NoSuchSheet,      // a sheet or a header row that is not there
-    NoSuchColumn,     // a column the sheet lacks
-    RecordRefused,    // a record the command will not write, insert or delete
+    NoWorkbook,     // a screen without a workbook, or a build without workbooks
+    NoSuchRecord,   // a record number outside the sheet, or a sheet with none
+    NoSuchSheet,    // a sheet or a header row that is not there
+    NoSuchColumn,   // a column the sheet lacks
+    RecordRefused,  // a record the command will not write, insert or delete
 
     // Workbook files.
-    FileNotFound,     // no file, a folder, or a file that is not a workbook
-    FileExists,       // a new workbook never replaces a file
-    FileDamaged,      // a workbook that cannot be read (damaged, a zip bomb, not XML)
-    FileNotSaved,     // the system or another program stopped a save
-    FolderNotMade,    // the data folder or its examples could not be written
-    SaveConflict,     // a cell changed both here and on disk
-    WorkbookLocked,   // another program holds the workbook's lock
-
-    // Command-line input that is not a screen's.
-    BadArguments,
+    FileNotFound,    // no file, a folder, or a file that is not a workbook
+    FileExists,      // a new workbook never replaces a file
+    FileDamaged,     // a workbook that cannot be read (damaged, a zip bomb, not XML)
+    FileNotSaved,    // the system or another program stopped a save
+    FolderNotMade,   // the data folder or its examples could not be written
+    SaveConflict,    // a cell changed both here and on disk
+    WorkbookLocked,  // another program holds the workbook's lock
 
     // An exception no layer expected, caught so that the program goes on.
     Internal,

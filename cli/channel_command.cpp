@@ -177,7 +177,7 @@ void ConduitOptions(CLI::App* app, ConduitInput& c, bool with_common) {
     }
 }
 
-Command AddCanal(CLI::App& parent) {
+Command AddChannelCommand(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand(
         "canal", "Flujo uniforme en un canal trapezoidal, rectangular o triangular (Form1)");
@@ -196,7 +196,7 @@ Command AddCanal(CLI::App& parent) {
     return {app, [] { return Guarded("canal", [] { return RunChannelCommand(o); }); }};
 }
 
-Command AddTubo(CLI::App& parent) {
+Command AddConduitCommand(CLI::App& parent) {
     static Options o;
     CLI::App* app =
         parent.add_subcommand("tubo", "Flujo uniforme en un conducto circular parcialmente lleno (Form1)");

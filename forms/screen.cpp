@@ -292,10 +292,12 @@ void Screen::MoveTo(int record) {
     if (!source_) raise(FaultCode::NoWorkbook, "No hay un libro abierto en esta pantalla");
     const int count = source_->RecordCount();
     if (count == 0)
-        raise(FaultCode::NoSuchRecord, "La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene registros");
+        raise(FaultCode::NoSuchRecord,
+              "La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene registros");
     if (record < 1 || record > count)
-        raise(FaultCode::NoSuchRecord, "El registro " + std::to_string(record) + " no existe: la hoja tiene " + std::to_string(count) +
-              " registros");
+        raise(FaultCode::NoSuchRecord, "El registro " + std::to_string(record) +
+                                           " no existe: la hoja tiene " + std::to_string(count) +
+                                           " registros");
     notice_.clear();
     SavePending();
     record_ = record;

@@ -1,11 +1,11 @@
 #!/usr/bin/python3
 """Writes the seed corpora of the workbook fuzz targets (run once; the files are in the repository).
 
-  corpus/libro/      small valid workbooks: openpyxl's .xlsx, an .xlsx written part by part as Excel
-                     writes it (tests/workbook/libros.py crear-xml), a legacy .xls written by xlwt
-  corpus/libro_xml/  the XML parts of such workbooks as libro_xml_fuzz reads them: "@@ name" lines,
-                     each followed by the part's text (styles, themes and document properties left
-                     out: the reader never opens them)
+  corpus/workbook/      small valid workbooks: openpyxl's .xlsx, an .xlsx written part by part as Excel
+                        writes it (tests/workbook/libros.py crear-xml), a legacy .xls written by xlwt
+  corpus/workbook_xml/  the XML parts of such workbooks as workbook_xml_fuzz reads them: "@@ name" lines,
+                        each followed by the part's text (styles, themes and document properties left
+                        out: the reader never opens them)
 """
 import io
 import os
@@ -76,9 +76,9 @@ def write(folder, name, data):
 def main():
     books = {"openpyxl": openpyxl_book(), "excel": excel_book(), "excel_prefijo": excel_book("x")}
     for name, data in books.items():
-        write("libro", name + ".xlsx", data)
-        write("libro_xml", name, parts_text(data))
-    write("libro", "xlwt.xls", xls_book())
+        write("workbook", name + ".xlsx", data)
+        write("workbook_xml", name, parts_text(data))
+    write("workbook", "xlwt.xls", xls_book())
 
 
 if __name__ == "__main__":

@@ -1,6 +1,6 @@
 // The XML of an .xlsx under mutation: the input is the package's parts as text, each one opened by a
 // line "@@ name", so that the fuzzer changes the XML itself (a zip's compressed bytes would hide it).
-// The parts are zipped in memory and the workbook opened and read whole, as in libro_fuzz.
+// The parts are zipped in memory and the workbook opened and read whole, as in workbook_fuzz.
 #include <cstddef>
 #include <cstdint>
 #include <set>

@@ -50,7 +50,8 @@ inline double Pow(double a, double b) {
 // a fault that names the march instead of the legacy hang.
 class StepBudget {
   public:
-    StepBudget(std::int64_t limit, FaultCode code, const char* what) : left_(limit), code_(code), what_(what) {}
+    StepBudget(std::int64_t limit, FaultCode code, const char* what)
+        : left_(limit), code_(code), what_(what) {}
     void step() {
         if (--left_ < 0) raise(code_, what_);
     }

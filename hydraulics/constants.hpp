@@ -9,14 +9,15 @@
 
 namespace cauce {
 
-inline constexpr double kGravity = 9.81;       // m/s2
+inline constexpr double kGravity = 9.81;        // m/s2
 inline constexpr double kTwiceGravity = 19.62;  // m/s2, the 2g of the velocity head V^2 / 2g
 
 // Depth steps of the marches, in metres.
-inline constexpr double kStep1mm = 0.001;    // normal and critical depth of natural sections and conduits
-inline constexpr double kStep2mm = 0.002;    // natural sections: water over the banks
-inline constexpr double kStep2_5mm = 0.0025; // trapezoidal channels: water over the banks
-inline constexpr double kStep5mm = 0.005;    // the direct-step profile; a full conduit's critical depth starts this far below the top
+inline constexpr double kStep1mm = 0.001;     // normal and critical depth of natural sections and conduits
+inline constexpr double kStep2mm = 0.002;     // natural sections: water over the banks
+inline constexpr double kStep2_5mm = 0.0025;  // trapezoidal channels: water over the banks
+// The direct-step profile; a full conduit's critical depth starts this far below the top.
+inline constexpr double kStep5mm = 0.005;
 
 // The fixed-point iterations of a trapezoidal channel stop when a pass changes the depth by no more
 // than this (m).

@@ -45,7 +45,7 @@ fs::path EnsureFolder() {
     fs::create_directories(folder, ec);
     if (ec || !fs::is_directory(folder))
         raise(FaultCode::FolderNotMade, "No se puede crear la carpeta de datos \"" + folder.string() +
-              "\": " + SystemReason(ec.value()) + ".");
+                                            "\": " + SystemReason(ec.value()) + ".");
     return folder;
 }
 
@@ -55,7 +55,8 @@ bool CopyNew(const fs::path& target, const BundledFile& f) {
         return platform::CreateExclusive(target,
                                          std::string_view(reinterpret_cast<const char*>(f.data), f.size));
     } catch (const platform::Error& e) {
-        raise(FaultCode::FolderNotMade, "No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + e.Reason() + ".");
+        raise(FaultCode::FolderNotMade,
+              "No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + e.Reason() + ".");
     }
 }
 

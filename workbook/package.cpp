@@ -93,7 +93,8 @@ Package::Package(std::string bytes, std::string file)
     zip_error_fini(&err);
     const zip_int64_t n = zip_get_num_entries(zip_->za, 0);
     if (n < 0 || static_cast<std::uint64_t>(n) > kMaxEntries)
-        raise(FaultCode::FileDamaged, "El libro \"" + file_ + "\" se rechaza: tiene demasiadas partes (" + std::to_string(n) + ").");
+        raise(FaultCode::FileDamaged,
+              "El libro \"" + file_ + "\" se rechaza: tiene demasiadas partes (" + std::to_string(n) + ").");
     for (zip_int64_t i = 0; i < n; ++i) {
         const char* name = zip_get_name(zip_->za, static_cast<zip_uint64_t>(i), 0);
         if (!name) raise(FaultCode::FileDamaged, Damaged(file_, "una parte no tiene nombre"));
@@ -103,7 +104,8 @@ Package::Package(std::string bytes, std::string file)
         // before any work is done on it. Reading them still compressed checks both.
         zip_file_t* f = zip_fopen_index(zip_->za, static_cast<zip_uint64_t>(i), ZIP_FL_COMPRESSED);
         if (!f)
-            raise(FaultCode::FileDamaged, Damaged(file_,
+            raise(FaultCode::FileDamaged,
+                  Damaged(file_,
                           ZipReason(zip_error_code_zip(zip_get_error(zip_->za))) + " (parte " + name + ")"));
         char buf[65536];
         zip_int64_t got = 0;
@@ -136,13 +138,15 @@ std::string Package::Read(const std::string& name) {
     if (index < 0 || zip_stat_index(zip_->za, static_cast<zip_uint64_t>(index), 0, &st) != 0)
         raise(FaultCode::FileDamaged, Damaged(file_, "no se puede leer la parte " + name));
     auto bomb = [&] {
-        raise(FaultCode::FileDamaged, "El libro \"" + file_ + "\" se rechaza: la parte " + stored + " se expande a más de " +
-              MiB(kMaxPartBytes) + " (parece una bomba zip). El archivo no se modificó.");
+        raise(FaultCode::FileDamaged, "El libro \"" + file_ + "\" se rechaza: la parte " + stored +
+                                          " se expande a más de " + MiB(kMaxPartBytes) +
+                                          " (parece una bomba zip). El archivo no se modificó.");
     };
     // The declared size may lie: it only lets an honest oversized part be refused before reading.
     if ((st.valid & ZIP_STAT_SIZE) && st.size > kMaxPartBytes) bomb();
     zip_file_t* f = zip_fopen_index(zip_->za, static_cast<zip_uint64_t>(index), 0);
-    if (!f) raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(zip_error_code_zip(zip_get_error(zip_->za)))));
+    if (!f)
+        raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(zip_error_code_zip(zip_get_error(zip_->za)))));
     std::string out;
     char buf[65536];
     for (;;) {
@@ -160,11 +164,13 @@ std::string Package::Read(const std::string& name) {
         }
     }
     const int closed = zip_fclose(f);
-    if (closed != 0) raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(closed) + " (parte " + stored + ")"));
+    if (closed != 0)
+        raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(closed) + " (parte " + stored + ")"));
     expanded_ += out.size();
     if (expanded_ > kMaxTotalBytes)
-        raise(FaultCode::FileDamaged, "El libro \"" + file_ + "\" se rechaza: sus partes se expanden a más de " +
-              MiB(kMaxTotalBytes) + " (parece una bomba zip). El archivo no se modificó.");
+        raise(FaultCode::FileDamaged,
+              "El libro \"" + file_ + "\" se rechaza: sus partes se expanden a más de " +
+                  MiB(kMaxTotalBytes) + " (parece una bomba zip). El archivo no se modificó.");
     return out;
 }
 
@@ -221,7 +227,7 @@ void AddBuffer(zip_t* out, const std::string& name, const std::string& data, con
     if (idx < 0) {
         if (s) zip_source_free(s);
         raise(FaultCode::FileNotSaved, "No se pudo preparar el libro \"" + file +
-              "\": " + ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
+                                           "\": " + ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
     }
     zip_set_file_compression(out, static_cast<zip_uint64_t>(idx), ZIP_CM_DEFLATE, 0);
 }
@@ -248,8 +254,8 @@ std::string Package::Write(const std::map<std::string, std::string>& replaced,
             const zip_int64_t idx = s ? zip_file_add(out, name.c_str(), s, 0) : -1;
             if (idx < 0) {
                 if (s) zip_source_free(s);
-                raise(FaultCode::FileNotSaved, "No se pudo preparar el libro \"" + file_ +
-                      "\": " + ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
+                raise(FaultCode::FileNotSaved, "No se pudo preparar el libro \"" + file_ + "\": " +
+                                                   ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
             }
             if (st.valid & ZIP_STAT_MTIME)
                 zip_file_set_mtime(out, static_cast<zip_uint64_t>(idx), st.mtime, 0);

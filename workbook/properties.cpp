@@ -91,8 +91,9 @@ void WriteCustomProperties(const std::filesystem::path& path,
         const std::string types_part = pkg.Find("[Content_Types].xml");
         const std::string rels_part = pkg.Find("_rels/.rels");
         if (types_part.empty() || rels_part.empty())
-            raise(FaultCode::FileDamaged, "El libro \"" + path.string() +
-                  "\" no tiene la lista de partes que se esperaba; no se modificó.");
+            raise(FaultCode::FileDamaged,
+                  "El libro \"" + path.string() +
+                      "\" no tiene la lista de partes que se esperaba; no se modificó.");
         pugi::xml_document types, rels;
         ParseXml(types, pkg.Read(types_part), pkg.File(), types_part);
         ParseXml(rels, pkg.Read(rels_part), pkg.File(), rels_part);

@@ -15,10 +15,11 @@ int LastRow(const Sheet& sheet) {
 void RefuseFormulas(const Sheet& sheet, int from) {
     for (const auto& [key, cell] : sheet.Values())
         if (key.first >= from && sheet.IsFormula(key.first, key.second))
-            raise(FaultCode::RecordRefused, "La hoja \"" + sheet.Name() +
-                  "\" tiene fórmulas en las filas que habría que mover (la fila " +
-                  std::to_string(key.first) +
-                  "): agregue o elimine ese registro en la hoja de cálculo. El libro no se modificó.");
+            raise(FaultCode::RecordRefused,
+                  "La hoja \"" + sheet.Name() +
+                      "\" tiene fórmulas en las filas que habría que mover (la fila " +
+                      std::to_string(key.first) +
+                      "): agregue o elimine ese registro en la hoja de cálculo. El libro no se modificó.");
 }
 
 // Moves the values of rows [from, last] by `by` rows (+1 or -1), last row first when moving down.

@@ -32,7 +32,7 @@ void ReplaceFile(const fs::path& target, const std::string& bytes) {
     const fs::path folder = path.parent_path();
     auto fail = [&](const std::string& why) {
         raise(FaultCode::FileNotSaved, "No se pudo guardar el libro \"" + target.string() + "\": " + why +
-              ". El libro no se modificó.");
+                                           ". El libro no se modificó.");
     };
     try {
         if (platform::Identify(folder).kind != platform::FileKind::Folder)

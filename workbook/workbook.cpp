@@ -1,7 +1,7 @@
 #include "workbook/workbook.hpp"
 
-#include "forms/binding.hpp"
 #include "base/fault.hpp"
+#include "forms/binding.hpp"
 #include "platform/platform.hpp"
 #include "workbook/formula.hpp"
 #include "workbook/legacy.hpp"
@@ -87,7 +87,8 @@ std::unique_ptr<Workbook::State> Workbook::Load(std::string bytes, std::string f
     Package& pkg = *s->pkg;
     auto not_a_book = [&] {
         raise(FaultCode::FileNotFound, "\"" + file +
-            "\" no es un libro de Excel: es un archivo zip sin hoja de cálculo. El archivo no se modificó.");
+                                           "\" no es un libro de Excel: es un archivo zip sin hoja de "
+                                           "cálculo. El archivo no se modificó.");
     };
 
     // The package's relationships name its main part; xl/workbook.xml is where it always is.
@@ -132,13 +133,15 @@ std::unique_ptr<Workbook::State> Workbook::Load(std::string bytes, std::string f
         for (const auto& r : rels)
             if (r.id == id) rel = &r;
         if (!rel)
-            raise(FaultCode::FileDamaged, "El libro \"" + file + "\" está dañado: la hoja \"" + name +
-                  "\" no tiene su parte en el paquete. El archivo no se modificó.");
+            raise(FaultCode::FileDamaged,
+                  "El libro \"" + file + "\" está dañado: la hoja \"" + name +
+                      "\" no tiene su parte en el paquete. El archivo no se modificó.");
         if (!EndsWith(rel->type, "/worksheet")) continue;  // chart and dialog sheets hold no cells
         const std::string part = pkg.Find(rel->target);
         if (part.empty())
-            raise(FaultCode::FileDamaged, "El libro \"" + file + "\" está dañado: falta la parte " + rel->target + " de la hoja \"" +
-                  name + "\". El archivo no se modificó.");
+            raise(FaultCode::FileDamaged, "El libro \"" + file + "\" está dañado: falta la parte " +
+                                              rel->target + " de la hoja \"" + name +
+                                              "\". El archivo no se modificó.");
         s->sheets.push_back(std::make_unique<Sheet>(name, part, pkg.Read(part), strings, file));
     }
     return s;
@@ -163,7 +166,9 @@ FileIdentity IdentityOf(const fs::path& path) {
 
 std::string ReadWorkbookFile(const fs::path& path) {
     const std::string file = path.string();
-    auto fail = [&](const std::string& why) { raise(FaultCode::FileDamaged, why + " El archivo no se modificó."); };
+    auto fail = [&](const std::string& why) {
+        raise(FaultCode::FileDamaged, why + " El archivo no se modificó.");
+    };
     platform::FileIdentity st;
     try {
         st = platform::Identify(path);
@@ -206,7 +211,8 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
     std::string bytes = ReadWorkbookFile(path);
     std::unique_ptr<Workbook> wb;
     if (bytes.empty()) {
-        raise(FaultCode::FileNotFound, "\"" + file + "\" está vacío: no es un libro de Excel. El archivo no se modificó.");
+        raise(FaultCode::FileNotFound,
+              "\"" + file + "\" está vacío: no es un libro de Excel. El archivo no se modificó.");
     } else if (bytes.compare(0, 4, kZip, 4) == 0) {
         wb = FromBytes(std::move(bytes), file);
     } else if (bytes.compare(0, 8, kCompound, 8) == 0) {
@@ -216,7 +222,8 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
         wb->legacy_ = true;
         wb->legacy_omitted_ = std::move(legacy.omitted);
     } else {
-        raise(FaultCode::FileNotFound, "\"" + file + "\" no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.");
+        raise(FaultCode::FileNotFound,
+              "\"" + file + "\" no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.");
     }
     wb->on_disk_ = true;
     wb->disk_ = id;
@@ -307,7 +314,8 @@ std::string Workbook::Bytes() {
 
 void Workbook::Set(const std::string& sheet, int row, int col, const Cell& value) {
     Sheet* sh = FindSheet(sheet);
-    if (!sh) raise(FaultCode::NoSuchSheet, "La hoja \"" + sheet + "\" ya no está en el libro \"" + path_ + "\".");
+    if (!sh)
+        raise(FaultCode::NoSuchSheet, "La hoja \"" + sheet + "\" ya no está en el libro \"" + path_ + "\".");
     const auto key = std::make_tuple(sheet, row, col);
     auto it = edits_.find(key);
     if (it == edits_.end())
@@ -368,9 +376,10 @@ void Workbook::Rebase(Clash clash) {
     const FileIdentity id = IdentityOf(path_);
     std::string bytes = ReadWorkbookFile(path_);
     if (bytes.compare(0, 4, kZip, 4) != 0)
-        raise(FaultCode::FileNotSaved, "No se pudo guardar el libro \"" + path_ +
-              "\": otro programa lo reemplazó por un archivo que no es un libro .xlsx. El archivo no se "
-              "modificó; sus cambios quedan pendientes.");
+        raise(FaultCode::FileNotSaved,
+              "No se pudo guardar el libro \"" + path_ +
+                  "\": otro programa lo reemplazó por un archivo que no es un libro .xlsx. El archivo no se "
+                  "modificó; sus cambios quedan pendientes.");
     auto fresh = Load(std::move(bytes), path_);
     std::vector<std::string> clashes;
     for (auto it = edits_.begin(); it != edits_.end();) {
@@ -449,7 +458,9 @@ bool Workbook::Refresh() {
 
 std::string Workbook::Save() {
     if (!Modified()) return "";
-    if (!on_disk_) raise(FaultCode::FileNotSaved, "El libro \"" + path_ + "\" no está en el disco: no se puede guardar.");
+    if (!on_disk_)
+        raise(FaultCode::FileNotSaved,
+              "El libro \"" + path_ + "\" no está en el disco: no se puede guardar.");
     if (edit_lock_ && !legacy_ && !edit_lock_->Retake())
         throw(forms::SaveRefused(forms::SaveRefused::Why::Locked,
                                  edit_lock_->Holder() + " Sus cambios no se guardaron; quedan pendientes."));
@@ -472,7 +483,7 @@ std::string Workbook::Save() {
             target.replace_filename(fs::path(path_).stem().string() + " (" + std::to_string(n) + ").xlsx");
         if (fs::exists(target))
             raise(FaultCode::FileNotSaved, "No se pudo guardar el libro \"" + path_ +
-                  "\": ya existen demasiadas copias .xlsx junto a él.");
+                                               "\": ya existen demasiadas copias .xlsx junto a él.");
         note = "El libro \"" + path_ +
                "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se "
                "guardaron en \"" +
@@ -492,8 +503,9 @@ std::string Workbook::Save() {
             if (IdentityOf(path_) == now) break;
             if (attempt == 20)
                 raise(FaultCode::FileNotSaved, "No se pudo guardar el libro \"" + path_ +
-                      "\": otro programa lo está escribiendo sin parar. El libro no se modificó; sus cambios "
-                      "quedan pendientes.");
+                                                   "\": otro programa lo está escribiendo sin parar. El "
+                                                   "libro no se modificó; sus cambios "
+                                                   "quedan pendientes.");
         }
         ReplaceFile(target, bytes);
     }

@@ -11,8 +11,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "hydraulics/froude.hpp"
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/natural/state.hpp"
 
 namespace cauce::natural {

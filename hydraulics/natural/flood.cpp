@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "hydraulics/froude.hpp"
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/natural/state.hpp"
 
 namespace cauce::natural {
@@ -52,7 +52,8 @@ Accumulation& OverBankSteps() {
 
 void State::Qdesbord(int s) {
     if (S0(s) == 0 && Q(s) > Qlleno(s))
-        raise(FaultCode::ZeroSlope, "Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
+        raise(FaultCode::ZeroSlope,
+              "Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
     if (literal || !FloodFast(s)) FloodMarch(s);
     Tw(s) = B + 2 * hz;
     Yn(s) = Ylleno(s) + hz;

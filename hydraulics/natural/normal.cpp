@@ -46,7 +46,8 @@ void State::NormalInBank(int s) {
         }
     }
     if (S0(s) == 0 && q > 0)
-        raise(FaultCode::ZeroSlope, "Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
+        raise(FaultCode::ZeroSlope,
+              "Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
     if (literal || !NormalFast(s)) NormalMarch(s);
 }
 

@@ -14,8 +14,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "hydraulics/froude.hpp"
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/prismatic/circle_guess.hpp"
 #include "hydraulics/prismatic/state.hpp"
 

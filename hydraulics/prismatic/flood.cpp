@@ -12,8 +12,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "hydraulics/froude.hpp"
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/prismatic/state.hpp"
 
 namespace cauce::prismatic {
@@ -41,8 +41,8 @@ OverBanksAt OverBanksAtDepth(const State& st, double d) {
     o.Af = o.Wf * d;
     if (o.Af < 0)
         raise(FaultCode::NarrowFloodZone,
-            "El ancho de la zona inundable es menor que el ancho del canal a banca llena "
-            "(revise el Ancho zona)");
+              "El ancho de la zona inundable es menor que el ancho del canal a banca llena "
+              "(revise el Ancho zona)");
     const double pf = o.Wf + 2 * Sqr(2) * d;
     o.Qf = Div(root * Pow(o.Af, 5.0 / 3.0), st.nz * Pow(pf, 2.0 / 3.0));
     o.Qt = o.Qm + o.Qf;

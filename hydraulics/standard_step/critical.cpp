@@ -73,9 +73,10 @@ double CriticalDepth(const Section& s) {
         if (best + 1 == grid.size() || grid[best] > s.top() + kDepthLimit) {
             if (hi > s.top() + kDepthLimit)
                 raise(FaultCode::StandardStepNoDepth,
-                    (s.number > 0 ? "La sección " + std::to_string(s.number)
-                                  : "El tramo en la abscisa " + std::to_string(s.x)) +
-                    " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su caudal).");
+                      (s.number > 0 ? "La sección " + std::to_string(s.number)
+                                    : "El tramo en la abscisa " + std::to_string(s.x)) +
+                          " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su "
+                          "caudal).");
             hi *= 2;
             continue;
         }

@@ -32,8 +32,9 @@ double Losses(const Section& up, const Props& pu, const Section& down, const Pro
 [[noreturn]] void NoDepth(const Section& s, const Section& named) {
     const std::string where = named.number > 0 ? "La sección " + std::to_string(named.number)
                                                : "El tramo en la abscisa " + std::to_string(s.x);
-    raise(FaultCode::StandardStepNoDepth, where +
-          " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su rugosidad).");
+    raise(
+        FaultCode::StandardStepNoDepth,
+        where + " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su rugosidad).");
 }
 
 }  // namespace

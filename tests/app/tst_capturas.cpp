@@ -1,6 +1,6 @@
 // Screenshots of the desktop: Form2 after every section of the bundled example reach and its profile
-// have been computed, and Form1 after a channel overflowing into its flood zone. With CAUCE_CAPTURAS set to a
-// folder the pictures are written there (docs/form2.png, docs/form1.png come from this run).
+// have been computed, and Form1 after a channel overflowing into its flood zone. With CAUCE_SCREENSHOTS set
+// to a folder the pictures are written there (docs/form2.png, docs/form1.png come from this run).
 #include <QImage>
 #include <QLineEdit>
 #include <QPushButton>
@@ -41,7 +41,7 @@ int Colours(const QImage& image) {
 }
 
 void Save(const QImage& image, const QString& name) {
-    const QByteArray dir = qgetenv("CAUCE_CAPTURAS");
+    const QByteArray dir = qgetenv("CAUCE_SCREENSHOTS");
     if (dir.isEmpty()) return;
     QVERIFY(image.save(QString::fromLocal8Bit(dir) + '/' + name));
 }

@@ -88,7 +88,7 @@ class Figuras : public QObject {
             images.push_back(image);
         }
         QCOMPARE(Count(Draw(Figure::None), Qt::white, 6), 200 * 140);
-        const QByteArray dir = qgetenv("CAUCE_CAPTURAS");
+        const QByteArray dir = qgetenv("CAUCE_SCREENSHOTS");
         if (!dir.isEmpty()) {
             QImage sheet(5 * 200, 3 * 140, QImage::Format_ARGB32);
             sheet.fill(Qt::white);

@@ -56,9 +56,9 @@ class SeccionTopografica : public QObject {
         QVERIFY(d.Figures().contains(QStringLiteral("Diferencia máxima de área: 0.0 %")));
         QVERIFY(d.Figures().contains(QStringLiteral("2 tramos separados")));
         QVERIFY(d.Apply()->isEnabled());
-        if (qEnvironmentVariableIsSet("CAUCE_CAPTURA")) {
+        if (qEnvironmentVariableIsSet("CAUCE_SCREENSHOT")) {
             d.show();
-            d.grab().save(qEnvironmentVariable("CAUCE_CAPTURA"));
+            d.grab().save(qEnvironmentVariable("CAUCE_SCREENSHOT"));
         }
 
         d.Points()->item(2, 1)->setText(QStringLiteral("cien"));  // the third row

@@ -5,7 +5,7 @@ The numbers are checked against the screens driven line by line through "cauce g
 sees on the desktop), against hand formulas and bisections of Manning's equation worked out here, and
 the outputs are read back with independent parsers (csv, json, openpyxl, pdftotext).
 
-Environment: CAUCE (the program), CAUCE_EJEMPLOS (the bundled example workbooks), CAUCE_CON_GUI (1 when
+Environment: CAUCE (the program), CAUCE_EXAMPLES (the bundled example workbooks), CAUCE_WITH_GUI (1 when
 the program draws PNG and PDF). Every test works in a scratch folder of its own, with CAUCE_DATOS
 pointing into it.
 """
@@ -26,8 +26,8 @@ import unittest
 import openpyxl
 
 CAUCE = os.environ.get("CAUCE", "cauce")
-EXAMPLES = os.environ.get("CAUCE_EJEMPLOS", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
-WITH_GUI = os.environ.get("CAUCE_CON_GUI") == "1"
+EXAMPLES = os.environ.get("CAUCE_EXAMPLES", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
+WITH_GUI = os.environ.get("CAUCE_WITH_GUI") == "1"
 
 # The profile screens: sheet, screen, depth box, result boxes, table boxes (row j: base + j).
 REACHES = {

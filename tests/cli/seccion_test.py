@@ -5,7 +5,7 @@ The outputs are read back with Python's csv and json readers, the written record
 through Form2 driven by "cauce guion" (what the screen reads from the boxes), and a refused write is
 checked to leave the workbook's bytes as they were.
 
-Environment: CAUCE (the program), CAUCE_EJEMPLOS (the bundled example workbooks).
+Environment: CAUCE (the program), CAUCE_EXAMPLES (the bundled example workbooks).
 """
 import csv
 import io
@@ -19,7 +19,7 @@ import unittest
 import openpyxl
 
 CAUCE = os.environ.get("CAUCE", "cauce")
-EXAMPLES = os.environ.get("CAUCE_EJEMPLOS", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
+EXAMPLES = os.environ.get("CAUCE_EXAMPLES", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
 
 # A bar in mid-channel: its stack is known exactly (two V's side by side up to the bar's crest).
 ISLOTE = "abscisa;cota\n0;105\n2;100\n4;103\n6;100\n8;105\n"

@@ -17,7 +17,7 @@ using cauce::natural::State;
 namespace {
 
 int Cases() {
-    const char* env = std::getenv("CAUCE_CASOS_IDENTIDAD");
+    const char* env = std::getenv("CAUCE_IDENTITY_CASES");
     return env ? std::atoi(env) : 100000;
 }
 

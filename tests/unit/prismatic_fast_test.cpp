@@ -21,7 +21,7 @@ using cauce::prismatic::State;
 namespace {
 
 int Cases() {
-    const char* env = std::getenv("CAUCE_CASOS_IDENTIDAD");
+    const char* env = std::getenv("CAUCE_IDENTITY_CASES");
     return env ? std::atoi(env) : 100000;
 }
 
