@@ -7,7 +7,7 @@
 
 #include "app/partial_number.hpp"
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::app {
 

@@ -8,7 +8,7 @@
 #include "app/dialogs.hpp"
 #include "app/screen_view.hpp"
 #include "app/screen_window.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "screens/registry.hpp"
 
 namespace cauce::app {

@@ -2,24 +2,22 @@
 
 #include <algorithm>
 
-#include "hydraulics/fault.hpp"
-
 namespace cauce::app {
 
 namespace {
 
 struct Wording {
-    const char* message;  // the fault as the arithmetic raises it
-    const char* plain;    // what it means, for the dialog
+    FaultCode code;     // a fault of the legacy run time's arithmetic
+    const char* plain;  // what it means, for the dialog
 };
 
-// The arithmetic faults by their text; "Desbordamiento" is kept for water over the banks.
+// "Desbordamiento" is kept for water over the banks: the dialog does not use the word.
 constexpr Wording kWordings[] = {
-    {msg::kDivisionPorCero, "hubo que dividir entre cero"},
-    {msg::kIndeterminado, "hubo que dividir cero entre cero"},
-    {msg::kRaizNegativa, "hubo que sacar la raíz cuadrada de un número negativo"},
-    {msg::kPotencia, "una potencia no dio un número real"},
-    {msg::kDesbordamiento, "un resultado salió demasiado grande para calcularlo"},
+    {FaultCode::DivisionByZero, "hubo que dividir entre cero"},
+    {FaultCode::ZeroOverZero, "hubo que dividir cero entre cero"},
+    {FaultCode::NegativeRoot, "hubo que sacar la raíz cuadrada de un número negativo"},
+    {FaultCode::NotRealPower, "una potencia no dio un número real"},
+    {FaultCode::Overflow, "un resultado salió demasiado grande para calcularlo"},
 };
 
 constexpr const char* kDivisors[] = {"Rugosidad", "Pendiente", "Caudal", "Caudal Q",
@@ -32,12 +30,11 @@ bool IsDivisor(const std::string& caption) {
     return std::find(std::begin(kDivisors), std::end(kDivisors), first) != std::end(kDivisors);
 }
 
-std::string WordFault(const std::string& message, const std::string& button,
-                      const std::vector<Suspect>& suspects) {
+std::string WordFault(const Fault& fault, const std::string& button, const std::vector<Suspect>& suspects) {
     const Wording* w = nullptr;
     for (const auto& k : kWordings)
-        if (message == k.message) w = &k;
-    if (!w) return message;  // the program's own messages already name what to check
+        if (fault.code() == k.code) w = &k;
+    if (!w) return fault.what();  // the program's own messages already name what to check
     std::string text = "El cálculo de \"" + button + "\" se detuvo: " + w->plain + ".\n";
     if (suspects.empty()) {
         text +=

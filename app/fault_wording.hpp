@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "base/fault.hpp"
+
 namespace cauce::app {
 
 // A data box that is blank or zero where the computation divides by it or takes its root.
@@ -14,9 +16,8 @@ struct Suspect {
     std::string value;    // the box's text, "" when blank
 };
 
-// The message of the dialog for the fault `message` of the click on `button` (its caption).
-std::string WordFault(const std::string& message, const std::string& button,
-                      const std::vector<Suspect>& suspects);
+// The message of the dialog for the fault that stopped the click on `button` (its caption).
+std::string WordFault(const Fault& fault, const std::string& button, const std::vector<Suspect>& suspects);
 
 // Captions of the quantities that a blank or zero makes a computation divide by zero.
 bool IsDivisor(const std::string& caption);

@@ -22,7 +22,7 @@
 #include "app/screen_view.hpp"
 #include "app/table_clipboard.hpp"
 #include "forms/screen.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "reach/book.hpp"
 #include "reach/csv.hpp"
 #include "reach/run.hpp"

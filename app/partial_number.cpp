@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::app {
 

@@ -30,8 +30,8 @@ long StatusKilobytes(const char* key) {
     return 0;
 }
 
-// With CAUCE_MEDIR_ARRANQUE set, the program ends right after the first window has been painted and
-// prints how long that took and the memory it holds (bench/arranque.sh).
+// With CAUCE_MEASURE_STARTUP set, the program ends right after the first window has been painted and
+// prints how long that took and the memory it holds (bench/startup.sh).
 class FirstPaintProbe : public QObject {
   public:
     explicit FirstPaintProbe(const QElapsedTimer& since) : since_(since) {}
@@ -74,6 +74,6 @@ int cauce::cli::RunDesktop(int argc, char** argv) {
     ScreenWindow* first = desktop.Open("Form2");
     if (!first) return 1;
     FirstPaintProbe probe(since);
-    if (std::getenv("CAUCE_MEDIR_ARRANQUE")) first->View()->installEventFilter(&probe);
+    if (std::getenv("CAUCE_MEASURE_STARTUP")) first->View()->installEventFilter(&probe);
     return application.exec();
 }

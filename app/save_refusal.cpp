@@ -3,7 +3,7 @@
 #include <QString>
 
 #include "app/dialogs.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::app {
 

@@ -19,7 +19,7 @@
 #include "app/save_refusal.hpp"
 #include "app/section_sketch.hpp"
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "screens/natural_screen.hpp"
 #include "screens/reach_run.hpp"
 #include "screens/registry.hpp"
@@ -347,12 +347,12 @@ void ScreenView::Press(const std::string& name) {
     std::map<std::string, unsigned long, std::less<>> before;
     for (const auto& c : model_.Controls()) before[c.name] = c.writes;
     const std::string caption = model_.Find(name) ? model_.Get(name).text : std::string();
-    std::optional<std::string> error;
+    std::optional<Fault> error;
     try {
         error = model_.Click(name);
     } catch (const std::exception& e) {
         // Not a fault of the arithmetic: still no crash, and the user is told.
-        error = std::string("Error interno: ") + e.what();
+        error = Fault(FaultCode::Internal, std::string("Error interno: ") + e.what());
     }
     if (caption == kSectionButton)
         if (const auto* natural = Natural(model_)) sections_pressed_.insert(natural->State().i);
@@ -500,7 +500,7 @@ QString ScreenView::RunReach(const std::vector<int>& records, const std::string&
     plan.records = records;
     try {
         snapshot();
-        screens::ComputeSections(model_, plan, [&](int record, const std::optional<std::string>& fault) {
+        screens::ComputeSections(model_, plan, [&](int record, const std::optional<Fault>& fault) {
             const int i = natural ? natural->State().i : 0;
             sections_pressed_.insert(i);
             AfterClick(std::string(screens::section::button::Section), before);

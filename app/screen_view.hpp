@@ -75,8 +75,6 @@ class ScreenView : public QWidget {
     std::string OwnerOf(std::string_view control) const;
     // Boxes outlined because a click was refused on them or a section table is wrong there.
     const std::set<std::string, std::less<>>& Outlined() const { return outlined_; }
-    // Sections whose "(Y?)" has been pressed in this view.
-    const std::set<int>& SectionsPressed() const { return sections_pressed_; }
     // Before a click: the boxes it would read only in part, and "Perfiles" with sections missing.
     // Returns the message that refuses the click, "" when it may run.
     QString CheckBeforeClick(const std::string& name);

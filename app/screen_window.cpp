@@ -23,7 +23,7 @@
 #include "app/standard_profile.hpp"
 #include "app/survey_dialog.hpp"
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "screens/reach_run.hpp"
 #include "screens/registry.hpp"
 

@@ -15,7 +15,7 @@
 #include "app/drawing.hpp"
 #include "app/profile_chart.hpp"
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/standard_step/warnings.hpp"
 #include "screens/form3.hpp"
 #include "screens/profile_screen.hpp"

@@ -38,7 +38,6 @@ class ProfileTabs : public QTabWidget {
     // After the plot is drawn: the standard step's lines on it and its table, or its message.
     void Refresh(const forms::Screen& screen);
     QTableWidget* Table() const { return table_; }
-    QLabel* Notes() const { return notes_; }
 
   private:
     ProfileChart* chart_;

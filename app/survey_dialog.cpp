@@ -19,7 +19,7 @@
 #include <cmath>
 
 #include "forms/survey_points.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "screens/natural_screen.hpp"
 
 namespace cauce::app {

@@ -33,7 +33,7 @@ std::unique_ptr<cauce::forms::Screen> FifteenLevelSection(double q) {
 void BM_SeccionEnBanca(benchmark::State& state) {
     auto s = FifteenLevelSection(120);
     for (auto _ : state) benchmark::DoNotOptimize(s->Click(profile::button::Section));
-    if (s->LastError()) state.SkipWithError(s->LastError()->c_str());
+    if (s->LastError()) state.SkipWithError(s->LastError()->what());
     state.SetLabel("Yn " + s->Get(profile::box::NormalDepth).text);
 }
 BENCHMARK(BM_SeccionEnBanca)->Unit(benchmark::kMicrosecond);
@@ -41,7 +41,7 @@ BENCHMARK(BM_SeccionEnBanca)->Unit(benchmark::kMicrosecond);
 void BM_SeccionDesbordada(benchmark::State& state) {
     auto s = FifteenLevelSection(2500);
     for (auto _ : state) benchmark::DoNotOptimize(s->Click(profile::button::Section));
-    if (s->LastError()) state.SkipWithError(s->LastError()->c_str());
+    if (s->LastError()) state.SkipWithError(s->LastError()->what());
     state.SetLabel("Yn " + s->Get(profile::box::NormalDepth).text + " " +
                    s->Get(profile::label::Message).text);
 }

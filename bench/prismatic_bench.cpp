@@ -16,7 +16,7 @@ namespace form1 = cauce::screens::form1;
 
 void Run(benchmark::State& state, cauce::forms::Screen& s, std::string_view button) {
     for (auto _ : state) benchmark::DoNotOptimize(s.Click(button));
-    if (s.LastError()) state.SkipWithError(s.LastError()->c_str());
+    if (s.LastError()) state.SkipWithError(s.LastError()->what());
     state.SetLabel("Yn " + s.Get(form1::box::NormalDepth).text + ", Yc " +
                    s.Get(form1::box::CriticalDepth).text);
 }

@@ -39,7 +39,7 @@ std::unique_ptr<cauce::forms::Screen> ReadyReach() {
 void BM_Perfiles15Secciones(benchmark::State& state) {
     auto s = ReadyReach();
     for (auto _ : state) benchmark::DoNotOptimize(s->Click(profile::button::Profiles));
-    if (s->LastError()) state.SkipWithError(s->LastError()->c_str());
+    if (s->LastError()) state.SkipWithError(s->LastError()->what());
     std::string types;
     for (int j = 1; j <= 15; ++j) types += s->Get(profile::TableType(j)).text + " ";
     state.SetLabel(types);

@@ -15,13 +15,13 @@ struct Command {
     std::function<int()> run;
 };
 
-Command AddPerfil(CLI::App& parent);
-Command AddCanal(CLI::App& parent);
-Command AddTubo(CLI::App& parent);
-Command AddCurva(CLI::App& parent);
-Command AddInforme(CLI::App& parent);
-Command AddLibro(CLI::App& parent);
-Command AddSeccion(CLI::App& parent);
+Command AddProfileCommand(CLI::App& parent);
+Command AddChannelCommand(CLI::App& parent);
+Command AddConduitCommand(CLI::App& parent);
+Command AddCurveCommand(CLI::App& parent);
+Command AddReportCommand(CLI::App& parent);
+Command AddWorkbookCommand(CLI::App& parent);
+Command AddSectionCommand(CLI::App& parent);
 
 // The options of a prismatic channel (--base --talud --rugosidad --pendiente --altura --ancho-zona
 // --rugosidad-zona) and of a conduit (--diametro, with --rugosidad --pendiente when with_common).

@@ -5,7 +5,7 @@
 
 #include "cli/args.hpp"
 #include "cli/command.hpp"
-#include "cli/spanish.hpp"
+#include "cli/spanish_errors.hpp"
 #include "reach/run.hpp"
 
 #ifdef CAUCE_WITH_WORKBOOK
@@ -29,13 +29,13 @@ void InstallWorkbooks() {
 
 void AddCommands(CLI::App& app) {
     auto& commands = Registered();
-    commands.push_back(AddPerfil(app));
-    commands.push_back(AddCanal(app));
-    commands.push_back(AddTubo(app));
-    commands.push_back(AddCurva(app));
-    commands.push_back(AddInforme(app));
-    commands.push_back(AddLibro(app));
-    commands.push_back(AddSeccion(app));
+    commands.push_back(AddProfileCommand(app));
+    commands.push_back(AddChannelCommand(app));
+    commands.push_back(AddConduitCommand(app));
+    commands.push_back(AddCurveCommand(app));
+    commands.push_back(AddReportCommand(app));
+    commands.push_back(AddWorkbookCommand(app));
+    commands.push_back(AddSectionCommand(app));
     SpanishCommandLine(app);
 }
 

@@ -9,7 +9,7 @@
 #include "cli/graphics.hpp"
 #include "cli/offscreen.hpp"
 #include "cli/progress.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::cli {
 

@@ -66,7 +66,7 @@ Shown ShownOnForm1(const forms::Screen& s, bool conduit, Given given) {
     Shown out;
     out.section = conduit ? s.Get(button::Circular).text : s.Get(button::Trapezoidal).text;
     out.message = s.Get(label::Message).text;
-    if (s.LastError()) out.error = *s.LastError();
+    if (s.LastError()) out.error = s.LastError()->what();
     std::vector<ShownRow> rows;
     if (conduit) {
         out.data = {Row(s, label::Roughness, {box::Roughness}), Row(s, label::Slope, {box::Slope}),

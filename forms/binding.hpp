@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 
 namespace cauce::forms {
 
@@ -18,11 +18,9 @@ namespace cauce::forms {
 class SaveRefused : public Fault {
   public:
     enum class Why { Conflict, Locked };
-    SaveRefused(Why why, const std::string& message) : Fault(message), why_(why) {}
-    Why why() const { return why_; }
-
-  private:
-    Why why_;
+    SaveRefused(Why why, const std::string& message)
+        : Fault(why == Why::Conflict ? FaultCode::SaveConflict : FaultCode::WorkbookLocked, message) {}
+    Why why() const { return code() == FaultCode::SaveConflict ? Why::Conflict : Why::Locked; }
 };
 
 // A sheet seen as records; implemented over real workbooks by workbook/.

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::forms {
 

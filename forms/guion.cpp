@@ -6,7 +6,7 @@
 #include <ostream>
 
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::forms {
 
@@ -15,7 +15,7 @@ std::string StateJson(const Screen& screen) {
     for (const auto& c : screen.Controls()) j[c.name] = c.text;
     if (screen.Source()) j["registro"] = screen.RecordPosition();
     if (!screen.Notice().empty()) j["aviso"] = screen.Notice();
-    if (screen.LastError()) j["error"] = *screen.LastError();
+    if (screen.LastError()) j["error"] = screen.LastError()->what();
     return j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::forms {
 
@@ -71,7 +71,7 @@ void Screen::OnClick(std::string name, std::function<void()> handler) {
     handlers_[std::move(name)] = std::move(handler);
 }
 
-std::optional<std::string> Screen::Click(std::string_view name) {
+std::optional<Fault> Screen::Click(std::string_view name) {
     const Control& c = Get(name);
     if (c.kind != Kind::CommandButton) throw std::invalid_argument(std::string(name) + " no es un botón");
     last_error_.reset();
@@ -81,7 +81,7 @@ std::optional<std::string> Screen::Click(std::string_view name) {
     try {
         it->second();
     } catch (const Fault& f) {
-        last_error_ = f.what();
+        last_error_ = f;
     }
     return last_error_;
 }
@@ -98,8 +98,8 @@ std::string Screen::RecordPosition() const {
 }
 
 void Screen::OpenWorkbook(const std::string& path) {
-    if (!HasData()) raise("Esta pantalla no tiene libro de datos");
-    if (!g_opener) raise("No se pueden abrir libros en esta versión");
+    if (!HasData()) raise(FaultCode::NoWorkbook, "Esta pantalla no tiene libro de datos");
+    if (!g_opener) raise(FaultCode::NoWorkbook, "No se pueden abrir libros en esta versión");
     // The record left is saved first: the workbook opened next may be the same file.
     if (source_ && dirty_) SavePending();
     source_ = g_opener(path, sheet_);  // throws Fault with the reason; the screen keeps its workbook then
@@ -279,13 +279,15 @@ std::string Screen::SavePending() {
 }
 
 void Screen::MoveTo(int record) {
-    if (!source_) raise("No hay un libro abierto en esta pantalla");
+    if (!source_) raise(FaultCode::NoWorkbook, "No hay un libro abierto en esta pantalla");
     const int count = source_->RecordCount();
     if (count == 0)
-        raise("La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene registros");
+        raise(FaultCode::NoSuchRecord,
+              "La hoja \"" + sheet_ + "\" del libro \"" + workbook_path_ + "\" no tiene registros");
     if (record < 1 || record > count)
-        raise("El registro " + std::to_string(record) + " no existe: la hoja tiene " + std::to_string(count) +
-              " registros");
+        raise(FaultCode::NoSuchRecord, "El registro " + std::to_string(record) +
+                                           " no existe: la hoja tiene " + std::to_string(count) +
+                                           " registros");
     notice_.clear();
     SavePending();
     record_ = record;

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/fault.hpp"
 #include "forms/binding.hpp"
 #include "forms/control.hpp"
 
@@ -35,9 +36,9 @@ class Screen {
 
     // What the user does: type into a text box, click a button.
     void Type(std::string_view name, std::string text);
-    // Runs the click; returns the fault's message when the handler stopped on one.
-    std::optional<std::string> Click(std::string_view name);
-    const std::optional<std::string>& LastError() const { return last_error_; }
+    // Runs the click; returns the fault when the handler stopped on one.
+    std::optional<Fault> Click(std::string_view name);
+    const std::optional<Fault>& LastError() const { return last_error_; }
     // "Salir" was pressed: the application ends after saving the pending record edits.
     bool Closed() const { return closed_; }
 
@@ -100,7 +101,7 @@ class Screen {
     std::vector<Control> controls_;
     std::map<std::string, std::size_t, std::less<>> index_;
     std::map<std::string, std::function<void()>, std::less<>> handlers_;
-    std::optional<std::string> last_error_;
+    std::optional<Fault> last_error_;
     bool closed_ = false;
 
     std::string sheet_;

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::forms {
 
@@ -107,7 +107,7 @@ std::vector<survey::Point> ReadSurveyPoints(std::string_view text, std::string_v
                               "» no son dos números (abscisa y cota)";
             if (line.find_first_of("\t;") == std::string_view::npos && Split(line, ',').size() == 4)
                 why += "; con la coma decimal, separe los números con punto y coma o tabulador";
-            raise(why + ".");
+            raise(FaultCode::SurveyPoints, why + ".");
         }
         points.push_back({x, z, number});
     }

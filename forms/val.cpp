@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce::forms {
 
@@ -35,7 +35,7 @@ double RadixValue(std::string_view s, std::size_t pos, int radix) {
         }
         if (d >= radix) break;
         v = v * radix + d;
-        if (v > 4294967295.0) raise(msg::kDesbordamiento);
+        if (v > 4294967295.0) raise(FaultCode::Overflow, msg::kDesbordamiento);
     }
     return v;
 }
@@ -143,7 +143,7 @@ double Val(std::string_view s) {
         const auto e = clean.find('e');
         const bool tiny = e != std::string::npos && clean[e + 1] == '-';
         if (tiny) return 0;
-        raise(msg::kDesbordamiento);
+        raise(FaultCode::Overflow, msg::kDesbordamiento);
     }
     (void)ptr;
     return v;
@@ -156,7 +156,7 @@ std::size_t ValEnd(std::string_view s) {
 int CInt(double x) {
     const double r = std::nearbyint(x);  // the default rounding mode: half to even
     if (!(r >= -32768.0 && r <= 32767.0))
-        raise("Desbordamiento: el número entero debe estar entre -32768 y 32767");
+        raise(FaultCode::IntegerOverflow, "Desbordamiento: el número entero debe estar entre -32768 y 32767");
     return static_cast<int>(r);
 }
 

@@ -2,10 +2,10 @@
 """Writes the seed corpora of the workbook fuzz targets (run once; the files are in the repository).
 
   corpus/workbook/      small valid workbooks: openpyxl's .xlsx, an .xlsx written part by part as Excel
-                     writes it (tests/workbook/workbooks.py crear-xml), a legacy .xls written by xlwt
+                        writes it (tests/workbook/workbooks.py crear-xml), a legacy .xls written by xlwt
   corpus/workbook_xml/  the XML parts of such workbooks as workbook_xml_fuzz reads them: "@@ name" lines,
-                     each followed by the part's text (styles, themes and document properties left
-                     out: the reader never opens them)
+                        each followed by the part's text (styles, themes and document properties left
+                        out: the reader never opens them)
 """
 import io
 import os

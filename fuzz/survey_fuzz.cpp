@@ -8,7 +8,7 @@
 
 #include "forms/survey_points.hpp"
 #include "fuzz/fuzz_support.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/survey/survey.hpp"
 
 namespace survey = cauce::survey;

@@ -8,7 +8,7 @@
 #include "forms/format.hpp"
 #include "forms/val.hpp"
 #include "fuzz/fuzz_support.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "fuzz/fuzz_support.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "platform/platform.hpp"
 #include "workbook/records.hpp"
 #include "workbook/workbook.hpp"
@@ -42,7 +42,7 @@ class PrivateFolder {
 
   private:
     PrivateFolder() {
-        // A legacy .xls is read by cauce run as a child (CAUCE_PROGRAMA names the one to run): its
+        // A legacy .xls is read by cauce run as a child (CAUCE_XLS_READER names the one to run): its
         // crash is the program's business, answered by a message, and never this process's.
         std::error_code ec;
         dir_ = std::filesystem::temp_directory_path(ec) /
@@ -53,10 +53,10 @@ class PrivateFolder {
     std::filesystem::path dir_;
 };
 
-// With CAUCE_FUZZ_MENSAJES set, each distinct message (digits left out) is printed once, so that a
+// With CAUCE_FUZZ_MESSAGES set, each distinct message (digits left out) is printed once, so that a
 // long run can be read for messages that are not clear Spanish.
 inline void Note(const std::string& message, const std::string& file) {
-    static const bool on = std::getenv("CAUCE_FUZZ_MENSAJES") != nullptr;
+    static const bool on = std::getenv("CAUCE_FUZZ_MESSAGES") != nullptr;
     if (!on) return;
     static std::set<std::string> seen;
     std::string shape;

@@ -62,31 +62,8 @@ double Accumulate(double x, double c, std::int64_t j);
 // The first j in [lo, hi] for which reached(j) is true, assuming reached is false up to some step
 // and true from there on (a monotone crossing); hi + 1 when it is never reached. The callers use it
 // only where the quantity changes by far more from one step to the next than rounding can blur.
-template <typename Reached>
-std::int64_t FirstReached(std::int64_t lo, std::int64_t hi, Reached&& reached) {
-    if (lo > hi) return hi + 1;
-    // Gallop from lo to bracket the crossing, then bisect.
-    std::int64_t below = lo - 1, above = hi + 1;
-    for (std::int64_t step = 1, probe = lo; probe <= hi; step *= 2, probe = lo + step - 1) {
-        if (reached(probe)) {
-            above = probe;
-            break;
-        }
-        below = probe;
-    }
-    if (above == hi + 1) {
-        if (below == hi || !reached(hi)) return hi + 1;
-        above = hi;
-    }
-    while (above - below > 1) {
-        const std::int64_t mid = below + (above - below) / 2;
-        (reached(mid) ? above : below) = mid;
-    }
-    return above;
-}
-
-// The same search started from a guess of the step (from a root finder on the continuous quantity):
-// when the guess is right, two evaluations confirm it; otherwise it gallops from the guess.
+// The search starts from a guess of the step (from a root finder on the continuous quantity): when
+// the guess is right, two evaluations confirm it; otherwise it gallops from the guess.
 template <typename Reached>
 std::int64_t FirstReachedNear(std::int64_t lo, std::int64_t hi, std::int64_t guess, Reached&& reached) {
     if (lo > hi) return hi + 1;

@@ -5,7 +5,7 @@
 #include <array>
 #include <string>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 namespace cauce {
 
@@ -13,8 +13,8 @@ inline constexpr int kMaxSection = 50;
 inline constexpr int kMaxLevel = 20;
 
 [[noreturn]] inline void SubscriptFault(int index, int upper) {
-    raise("Subíndice fuera del intervalo: " + std::to_string(index) + " no está entre 0 y " +
-          std::to_string(upper));
+    raise(FaultCode::Subscript, "Subíndice fuera del intervalo: " + std::to_string(index) +
+                                    " no está entre 0 y " + std::to_string(upper));
 }
 
 template <typename T>

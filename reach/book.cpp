@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "screens/registry.hpp"
 
 #ifdef CAUCE_WITH_WORKBOOK
@@ -63,12 +63,15 @@ Opened Open(const std::string& path, const std::string& sheet) {
     Opened o;
     o.book = workbook::Workbook::Open(path);
     if (o.book->Legacy())
-        raise("El libro \"" + path + "\" es un .xls antiguo: guárdelo antes como .xlsx desde la pantalla.");
+        raise(FaultCode::FileNotSaved,
+              "El libro \"" + path + "\" es un .xls antiguo: guárdelo antes como .xlsx desde la pantalla.");
     o.sheet = o.book->FindSheet(sheet);
-    if (!o.sheet) raise("El libro \"" + path + "\" no tiene la hoja \"" + sheet + "\".");
+    if (!o.sheet)
+        raise(FaultCode::NoSuchSheet, "El libro \"" + path + "\" no tiene la hoja \"" + sheet + "\".");
     const auto& values = o.sheet->Values();
     if (values.empty())
-        raise("La hoja \"" + sheet + "\" del libro \"" + path + "\" no tiene la fila de encabezados.");
+        raise(FaultCode::NoSuchSheet,
+              "La hoja \"" + sheet + "\" del libro \"" + path + "\" no tiene la fila de encabezados.");
     o.header = values.begin()->first.first;
     for (auto it = values.begin(); it != values.end() && it->first.first == o.header; ++it)
         o.columns.emplace(workbook::DisplayText(it->second), it->first.second);
@@ -78,16 +81,17 @@ Opened Open(const std::string& path, const std::string& sheet) {
 
 void CheckRecord(const Opened& o, const std::string& sheet, int record) {
     if (record < 1 || record > o.count)
-        raise("El registro " + std::to_string(record) + " no existe: la hoja \"" + sheet + "\" tiene " +
-              std::to_string(o.count) + " registros.");
+        raise(FaultCode::NoSuchRecord, "El registro " + std::to_string(record) + " no existe: la hoja \"" +
+                                           sheet + "\" tiene " + std::to_string(o.count) + " registros.");
 }
 
 }  // namespace
 
 void CreateReachWorkbook(const std::string& path) {
     if (std::filesystem::exists(path))
-        raise("El archivo \"" + path +
-              "\" ya existe: elija otro nombre (un libro nuevo nunca reemplaza otro).");
+        raise(FaultCode::FileExists,
+              "El archivo \"" + path +
+                  "\" ya existe: elija otro nombre (un libro nuevo nunca reemplaza otro).");
     std::vector<workbook::SheetValues> sheets;
     for (const auto& layout : ScreenSheets()) {
         workbook::SheetValues s{layout.sheet, {}};
@@ -121,8 +125,8 @@ int RecordCountOf(const std::string& path, const std::string& sheet) {
 int AddRecord(const std::string& path, const std::string& sheet, int after) {
     Opened o = Open(path, sheet);
     if (after < 0 || after > o.count)
-        raise("El registro " + std::to_string(after) + " no existe: la hoja \"" + sheet + "\" tiene " +
-              std::to_string(o.count) + " registros.");
+        raise(FaultCode::NoSuchRecord, "El registro " + std::to_string(after) + " no existe: la hoja \"" +
+                                           sheet + "\" tiene " + std::to_string(o.count) + " registros.");
     const int source = after > 0 ? after : (o.count > 0 ? 1 : 0);
     std::map<int, workbook::Cell> copied;
     if (source > 0) {
@@ -149,7 +153,8 @@ void DeleteRecord(const std::string& path, const std::string& sheet, int record)
     Opened o = Open(path, sheet);
     CheckRecord(o, sheet, record);
     if (o.count == 1)
-        raise("La hoja \"" + sheet + "\" tiene un solo registro: un tramo conserva al menos una sección.");
+        raise(FaultCode::RecordRefused,
+              "La hoja \"" + sheet + "\" tiene un solo registro: un tramo conserva al menos una sección.");
     workbook::DeleteRow(*o.sheet, o.header + record);
     o.book->Save();
 }
@@ -158,8 +163,8 @@ int RenumberReach(const std::string& path, const std::string& sheet) {
     Opened o = Open(path, sheet);
     const int section = o.Column(kSection), sections = o.Column(kSections);
     if (!section && !sections)
-        raise("La hoja \"" + sheet + "\" no tiene las columnas \"" + kSection + "\" ni \"" + kSections +
-              "\": no hay nada que renumerar.");
+        raise(FaultCode::NoSuchColumn, "La hoja \"" + sheet + "\" no tiene las columnas \"" + kSection +
+                                           "\" ni \"" + kSections + "\": no hay nada que renumerar.");
     for (int r = 1; r <= o.count; ++r) {
         if (section) o.sheet->Set(o.header + r, section, workbook::Cell::Num(r));
         if (sections) o.sheet->Set(o.header + r, sections, workbook::Cell::Num(o.count));
@@ -171,19 +176,19 @@ int RenumberReach(const std::string& path, const std::string& sheet) {
 #else
 
 void CreateReachWorkbook(const std::string&) {
-    raise("Esta versión se compiló sin libros de Excel.");
+    raise(FaultCode::NoWorkbook, "Esta versión se compiló sin libros de Excel.");
 }
 int RecordCountOf(const std::string&, const std::string&) {
-    raise("Esta versión se compiló sin libros de Excel.");
+    raise(FaultCode::NoWorkbook, "Esta versión se compiló sin libros de Excel.");
 }
 int AddRecord(const std::string&, const std::string&, int) {
-    raise("Esta versión se compiló sin libros de Excel.");
+    raise(FaultCode::NoWorkbook, "Esta versión se compiló sin libros de Excel.");
 }
 void DeleteRecord(const std::string&, const std::string&, int) {
-    raise("Esta versión se compiló sin libros de Excel.");
+    raise(FaultCode::NoWorkbook, "Esta versión se compiló sin libros de Excel.");
 }
 int RenumberReach(const std::string&, const std::string&) {
-    raise("Esta versión se compiló sin libros de Excel.");
+    raise(FaultCode::NoWorkbook, "Esta versión se compiló sin libros de Excel.");
 }
 
 #endif

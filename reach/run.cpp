@@ -6,7 +6,8 @@
 
 #include "forms/format.hpp"
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
+#include "hydraulics/constants.hpp"
 #include "hydraulics/natural/state.hpp"
 #include "hydraulics/profiles/profile.hpp"
 #include "hydraulics/standard_step/warnings.hpp"
@@ -42,15 +43,15 @@ std::string Trim(std::string_view s) {
     return out;
 }
 
-// The message the section table of section i gave when "(Y?)" built it, read from the level tables
-// the screen's Qful left: it stops at the first level that does not rise or whose width shrinks.
-std::string TableMessage(const natural::State& st, int i) {
-    try {
-        for (int j = 2; j <= st.npts(i); ++j) {
-            if (st.Yj(i, j) - st.Yj(i, j - 1) <= 0) return natural::kCotasError;
-            if (st.m(i, j) < 0) return natural::kAnchosError;
-        }
-    } catch (const Fault&) {
+// The message the section's level table gave when "(Y?)" built it.
+std::string TableMessage(const screens::NaturalScreen& screen) {
+    switch (screen.TableVerdict()) {
+        case natural::TableError::Cotas:
+            return natural::kCotasError;
+        case natural::TableError::Anchos:
+            return natural::kAnchosError;
+        case natural::TableError::None:
+            break;
     }
     return "";
 }
@@ -64,7 +65,7 @@ void AddFlowValues(const natural::State& shown, int j, ProfileRow& row) {
         if (!(st.Y > 0)) return;
         const profiles::SectionValues v = profiles::EvaluateSection(st, j);
         const double depth = Div(st.A(j), st.Tw(j));
-        const double froude = Div(v.V, Sqr(9.81 * depth));
+        const double froude = Div(v.V, Sqr(kGravity * depth));
         row.y = forms::Format(st.Y, "0.000");
         row.froude = forms::Format(froude, "0.00");
         row.energy = forms::Format(v.E, "0.000");
@@ -104,7 +105,7 @@ SectionInput ReadInput(const forms::Screen& s, const ReachKind& kind) {
 
 // What "(Y?)" on the record shown gave.
 SectionResult ReadSection(const forms::Screen& s, const ReachKind& kind, int record,
-                          const std::optional<std::string>& fault) {
+                          const std::optional<Fault>& fault) {
     const screens::ReachControls& b = BoxesOf(kind);
     const auto& model = dynamic_cast<const screens::NaturalScreen&>(s);
     SectionResult r;
@@ -119,8 +120,8 @@ SectionResult ReadSection(const forms::Screen& s, const ReachKind& kind, int rec
     const std::string message = s.Get(section::label::Message).text;
     if (fault) {
         // A faulty section table is usually why the click faulted: it is told too.
-        r.notice = TableMessage(st, st.i);
-        r.error = *fault;
+        r.notice = TableMessage(model);
+        r.error = fault->what();
         r.faulty = true;
         return r;
     }
@@ -131,7 +132,7 @@ SectionResult ReadSection(const forms::Screen& s, const ReachKind& kind, int rec
         r.computed = (message.empty() || message == natural::kDesbordamiento) && !no_discharge;
         r.overflow = message == natural::kDesbordamiento || message == natural::kAnchoMenor;
         if (r.computed || r.overflow || (message.empty() && no_discharge)) {
-            const std::string table = TableMessage(st, st.i);
+            const std::string table = TableMessage(model);
             Append(r.notice, table);
             r.faulty = !table.empty();
             r.qlleno = forms::Format(st.Qlleno(st.i), "0.00");
@@ -251,7 +252,7 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
             res.error = plan.error;
             return res;
         }
-        screens::ComputeSections(*screen, plan, [&](int record, const std::optional<std::string>& fault) {
+        screens::ComputeSections(*screen, plan, [&](int record, const std::optional<Fault>& fault) {
             res.sections.push_back(ReadSection(*screen, kind, record, fault));
             if (observer) observer(*screen, &res.sections.back());
         });
@@ -268,14 +269,13 @@ ReachResult RunReach(const std::string& path, const ReachOptions& options, const
 
     const std::string before = screen->Get(section::label::Message).text;
     if (const auto fault = screens::RunProfile(*screen, res.depth)) {
-        res.error = "El cálculo del perfil se detuvo: " + *fault;
+        res.error = "El cálculo del perfil se detuvo: " + std::string(fault->what());
         return res;
     }
     // "Incluya Y inicial" beside the depth box, or a message of the run (Form3: no flow area) that
     // stopped it before the table.
-    const std::string asked = screen->Get(b.depth_label).text;
-    if (asked.rfind("Incluya", 0) == 0) {
-        res.error = asked + " (" + kind.option + ")";
+    if (dynamic_cast<const screens::NaturalScreen&>(*screen).DepthAsked()) {
+        res.error = screen->Get(b.depth_label).text + " (" + kind.option + ")";
         return res;
     }
     if (screen->Get(section::label::Message).text != before) {

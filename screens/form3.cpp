@@ -88,6 +88,7 @@ bool Form3::Inicio() {
 
 // "Perfiles": the grain size, then the final depth, the run with scour, the table.
 void Form3::Command1Click() {
+    depth_asked_ = false;
     if (Text("Label31") == kSinArea) Set("Label31", "");  // the message of a previous run only
     scour::Bed bed;
     bed.Dm = ValOf("Text122") / 1000;

@@ -16,7 +16,7 @@
 
 #include "forms/format.hpp"
 #include "forms/val.hpp"
-#include "hydraulics/natural/froude.hpp"
+#include "hydraulics/froude.hpp"
 #include "screens/natural_screen.hpp"
 
 namespace cauce::screens {
@@ -76,7 +76,7 @@ void Form5::Resultados() {
     Set("Text102", Format(st_.A(i), "0.00"));
     Set("Text103", Format(st_.Tw(i), "0.00"));
     Set("Text104", Format(st_.V(i), "0.00"));
-    Set("Text105", Format(natural::Froude(st_.V(i), st_.A(i), st_.Tw(i)), "0.00"));
+    Set("Text105", Format(Froude(st_.V(i), st_.A(i), st_.Tw(i)), "0.00"));
 }
 
 }  // namespace

@@ -91,7 +91,8 @@ void NaturalScreen::LastSection() {
 
 bool NaturalScreen::ReadStartDepth(const ReachControls& reach, const std::string& word) {
     Set(reach.depth_label, "Y" + word);
-    if (profiles::SetStartDepth(st_, ValOf(reach.depth))) return true;
+    depth_asked_ = !profiles::SetStartDepth(st_, ValOf(reach.depth));
+    if (!depth_asked_) return true;
     Set(reach.depth_label, "Incluya Y " + word);
     return false;
 }
@@ -137,7 +138,8 @@ void NaturalScreen::ReadSection() {
 void NaturalScreen::BuildTables() {
     const int i = st_.i;
     st_.CountLevels(i);
-    switch (st_.Qful(i)) {
+    table_verdict_ = st_.Qful(i);
+    switch (table_verdict_) {
         case natural::TableError::Cotas:
             Set("Label26", natural::kCotasError);
             break;
@@ -150,6 +152,7 @@ void NaturalScreen::BuildTables() {
 }
 
 void NaturalScreen::SectionClick() {
+    table_verdict_ = natural::TableError::None;
     if (!Inicio()) return;
     const int i = st_.i;
     Set("Label31", "");

@@ -93,6 +93,10 @@ struct ReachControls {
 class NaturalScreen : public forms::Screen {
   public:
     const natural::State& State() const { return st_; }
+    // What the last "(Y?)" found wrong in the section's level table (the message in Label26).
+    natural::TableError TableVerdict() const { return table_verdict_; }
+    // The last "Perfiles" stopped to ask for the depth at the last section ("Incluya Y inicial").
+    bool DepthAsked() const { return depth_asked_; }
 
   protected:
     NaturalScreen(std::string name, std::string title, SectionBoxes boxes);
@@ -146,6 +150,8 @@ class NaturalScreen : public forms::Screen {
 
     natural::State st_;
     SectionBoxes boxes_;
+    natural::TableError table_verdict_ = natural::TableError::None;
+    bool depth_asked_ = false;
 
   private:
     void Qdesbord();

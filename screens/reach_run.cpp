@@ -4,7 +4,7 @@
 #include <cctype>
 
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "screens/form3.hpp"
 #include "screens/profile_screen.hpp"
 
@@ -95,7 +95,7 @@ void ComputeSections(forms::Screen& screen, const ReachPlan& plan, const Section
     }
 }
 
-std::optional<std::string> RunProfile(forms::Screen& screen, const std::string& depth) {
+std::optional<Fault> RunProfile(forms::Screen& screen, const std::string& depth) {
     const ReachControls* controls = ReachControlsOf(screen);
     if (!controls) return std::nullopt;
     screen.Type(controls->depth, depth);

@@ -32,10 +32,10 @@ const ReachControls* ReachControlsOf(const forms::Screen& screen);
 
 // "(Y?)" on each record of the plan, moving to it first; `done` sees the screen after each click
 // with the click's fault. Moving saves the record left, as the binding does (a failed save throws).
-using SectionDone = std::function<void(int record, const std::optional<std::string>& fault)>;
+using SectionDone = std::function<void(int record, const std::optional<Fault>& fault)>;
 void ComputeSections(forms::Screen& screen, const ReachPlan& plan, const SectionDone& done = {});
 
 // Types the depth into its box and presses "Perfiles"; the click's fault, if any.
-std::optional<std::string> RunProfile(forms::Screen& screen, const std::string& depth);
+std::optional<Fault> RunProfile(forms::Screen& screen, const std::string& depth);
 
 }  // namespace cauce::screens

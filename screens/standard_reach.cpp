@@ -4,7 +4,7 @@
 #include <map>
 
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "screens/natural_screen.hpp"
 
 namespace cauce::screens {

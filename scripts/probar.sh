@@ -12,7 +12,7 @@
 #                 workbooks, no desktop), its screen scripts run under wine64 against the expected
 #                 output of the Linux build.
 # Each step says what it does; the first that fails ends the run with its name.
-# CAUCE_SIN_SANITIZADORES=1 leaves out build-san/, CAUCE_SIN_WINDOWS=1 build-mingw/.
+# CAUCE_NO_SANITIZERS=1 leaves out build-san/, CAUCE_NO_WINDOWS=1 build-mingw/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
@@ -87,7 +87,7 @@ QT_QPA_PLATFORM=offscreen CAUCE_DATOS="$unpacked/datos-build" build/cli/cauce "$
 diff "$unpacked/perfil-build.txt" "$unpacked/perfil.txt" || fail "el cauce del paquete no da el mismo perfil que build/"
 rm -rf "$unpacked"
 
-if [ -z "${CAUCE_SIN_SANITIZADORES:-}" ]; then
+if [ -z "${CAUCE_NO_SANITIZERS:-}" ]; then
   step "build-san/: clang con AddressSanitizer y UndefinedBehaviorSanitizer"
   CC=clang CXX=clang++ cmake -S . -B build-san "${launcher[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DCAUCE_WERROR=ON -DCAUCE_GUI=OFF -DCAUCE_BENCH=OFF -DCAUCE_SANITIZE=ON -DCAUCE_FUZZ=ON \
@@ -99,7 +99,7 @@ if [ -z "${CAUCE_SIN_SANITIZADORES:-}" ]; then
     ctest --test-dir build-san --output-on-failure -j"$jobs"
 fi
 
-if [ -z "${CAUCE_SIN_WINDOWS:-}" ]; then
+if [ -z "${CAUCE_NO_WINDOWS:-}" ]; then
   step "build-mingw/: el núcleo y el conductor de guiones para Windows (mingw-w64)"
   cmake -S . -B build-mingw "${launcher[@]}" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64.cmake" \
     -DCMAKE_BUILD_TYPE=Release -DCAUCE_WERROR=ON -DCAUCE_GUI=OFF -DCAUCE_WORKBOOK=OFF -DCAUCE_BENCH=OFF

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "platform/platform.hpp"
 #include "workbook/bundled.hpp"
 #include "workbook/save_file.hpp"
@@ -44,8 +44,8 @@ fs::path EnsureFolder() {
     std::error_code ec;
     fs::create_directories(folder, ec);
     if (ec || !fs::is_directory(folder))
-        raise("No se puede crear la carpeta de datos \"" + folder.string() +
-              "\": " + SystemReason(ec.value()) + ".");
+        raise(FaultCode::FolderNotMade, "No se puede crear la carpeta de datos \"" + folder.string() +
+                                            "\": " + SystemReason(ec.value()) + ".");
     return folder;
 }
 
@@ -55,7 +55,8 @@ bool CopyNew(const fs::path& target, const BundledFile& f) {
         return platform::CreateExclusive(target,
                                          std::string_view(reinterpret_cast<const char*>(f.data), f.size));
     } catch (const platform::Error& e) {
-        raise("No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + e.Reason() + ".");
+        raise(FaultCode::FolderNotMade,
+              "No se puede copiar el libro de ejemplo en \"" + target.string() + "\": " + e.Reason() + ".");
     }
 }
 

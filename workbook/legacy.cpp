@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "platform/platform.hpp"
 #include "workbook/limits.hpp"
 #include "workbook/new_workbook.hpp"
@@ -50,9 +50,10 @@ std::string Reason(int code) {
 }
 
 [[noreturn]] void Refuse(const std::string& file, const std::string& why) {
-    raise("No se puede leer el libro antiguo \"" + file + "\": " + why +
-          ". El archivo no se modificó; si Excel o LibreOffice lo abren, guárdelo allí como .xlsx y "
-          "ábralo en Cauce.");
+    raise(FaultCode::FileDamaged,
+          "No se puede leer el libro antiguo \"" + file + "\": " + why +
+              ". El archivo no se modificó; si Excel o LibreOffice lo abren, guárdelo allí como .xlsx y "
+              "ábralo en Cauce.");
 }
 
 struct Handle {
@@ -257,7 +258,7 @@ fs::path& ProgramSetting() {
 
 // The cauce program to run as the reader.
 fs::path ReaderProgram(const std::string& file) {
-    if (const auto p = platform::EnvironmentVariable("CAUCE_PROGRAMA"); p && !p->empty()) return *p;
+    if (const auto p = platform::EnvironmentVariable("CAUCE_XLS_READER"); p && !p->empty()) return *p;
     if (!ProgramSetting().empty()) return ProgramSetting();
     try {
         const fs::path self = platform::ExecutablePath();
@@ -277,7 +278,7 @@ void SetLegacyReaderProgram(const fs::path& program) {
 
 int RunLegacyReader(const std::string& file, std::ostream& out) {
     // The tests of a reader that dies set this.
-    if (platform::EnvironmentVariable("CAUCE_PRUEBA_LECTOR_XLS") == "abortar") std::abort();
+    if (platform::EnvironmentVariable("CAUCE_TEST_XLS_READER") == "abort") std::abort();
     out << "cauce-xls 1\n";
     try {
         out << ReadSimplified(file);
@@ -304,7 +305,7 @@ LegacyBook ReadLegacyBook(const fs::path& path) {
     std::string error;
     if (!child.Succeeded() || !ParseFrames(child.out, sheets, omitted, error))
         Refuse(file, "su contenido está dañado (el lector de libros antiguos no pudo con él)");
-    if (!error.empty()) raise(error);
+    if (!error.empty()) raise(FaultCode::FileDamaged, error);
     if (sheets.empty()) Refuse(file, "no tiene hojas que se puedan leer");
     return {NewWorkbookBytes(sheets, file), omitted};
 }

@@ -32,7 +32,7 @@ std::string LegacyLosses(const std::vector<std::string>& omitted);
 int RunLegacyReader(const std::string& file, std::ostream& out);
 
 // The program run as the child: by default this executable when it is cauce, else a cauce beside it;
-// $CAUCE_PROGRAMA or this setting (for tests and tools that are not cauce) take precedence.
+// $CAUCE_XLS_READER or this setting (for tests and tools that are not cauce) take precedence.
 void SetLegacyReaderProgram(const std::filesystem::path& program);
 
 }  // namespace cauce::workbook

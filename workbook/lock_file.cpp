@@ -5,7 +5,7 @@
 #include <system_error>
 #include <vector>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "workbook/data_folder.hpp"
 
 namespace cauce::workbook {
@@ -165,9 +165,11 @@ SaveLock::SaveLock(const fs::path& workbook, std::chrono::milliseconds wait) {
         return;  // no lock to be had: the check of the file's identity still guards the save
     }
     if (!lock_)
-        raise("No se pudo guardar el libro \"" + workbook.string() +
-              "\": otro Cauce lo está guardando desde hace demasiado tiempo. El libro no se modificó; sus "
-              "cambios quedan pendientes.");
+        raise(
+            FaultCode::WorkbookLocked,
+            "No se pudo guardar el libro \"" + workbook.string() +
+                "\": otro Cauce lo está guardando desde hace demasiado tiempo. El libro no se modificó; sus "
+                "cambios quedan pendientes.");
 }
 
 }  // namespace cauce::workbook

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "workbook/limits.hpp"
 
 namespace cauce::workbook {
@@ -80,7 +80,7 @@ Package::Package(std::string bytes, std::string file)
     zip_error_t err;
     zip_error_init(&err);
     zip_source_t* src = zip_source_buffer_create(bytes_.data(), bytes_.size(), 0, &err);
-    if (!src) raise(Damaged(file_, ZipReason(zip_error_code_zip(&err))));
+    if (!src) raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(zip_error_code_zip(&err))));
     // No ZIP_CHECKCONS: it refuses harmless differences between local and central headers that some
     // writers leave; damage still shows, as every part read is checked against its CRC.
     zip_->za = zip_open_from_source(src, ZIP_RDONLY, &err);
@@ -88,22 +88,24 @@ Package::Package(std::string bytes, std::string file)
         zip_source_free(src);
         const int code = zip_error_code_zip(&err);
         zip_error_fini(&err);
-        raise(Damaged(file_, ZipReason(code)));
+        raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(code)));
     }
     zip_error_fini(&err);
     const zip_int64_t n = zip_get_num_entries(zip_->za, 0);
     if (n < 0 || static_cast<std::uint64_t>(n) > kMaxEntries)
-        raise("El libro \"" + file_ + "\" se rechaza: tiene demasiadas partes (" + std::to_string(n) + ").");
+        raise(FaultCode::FileDamaged,
+              "El libro \"" + file_ + "\" se rechaza: tiene demasiadas partes (" + std::to_string(n) + ").");
     for (zip_int64_t i = 0; i < n; ++i) {
         const char* name = zip_get_name(zip_->za, static_cast<zip_uint64_t>(i), 0);
-        if (!name) raise(Damaged(file_, "una parte no tiene nombre"));
+        if (!name) raise(FaultCode::FileDamaged, Damaged(file_, "una parte no tiene nombre"));
         names_.emplace_back(name);
         // Parts Cauce never reads are copied as they are when saving, which needs their headers whole
         // and their stored bytes inside the file: a workbook that could not be saved is refused now,
         // before any work is done on it. Reading them still compressed checks both.
         zip_file_t* f = zip_fopen_index(zip_->za, static_cast<zip_uint64_t>(i), ZIP_FL_COMPRESSED);
         if (!f)
-            raise(Damaged(file_,
+            raise(FaultCode::FileDamaged,
+                  Damaged(file_,
                           ZipReason(zip_error_code_zip(zip_get_error(zip_->za))) + " (parte " + name + ")"));
         char buf[65536];
         zip_int64_t got = 0;
@@ -112,7 +114,7 @@ Package::Package(std::string bytes, std::string file)
         if (got < 0) {
             const int code = zip_error_code_zip(zip_file_get_error(f));
             zip_fclose(f);
-            raise(Damaged(file_, ZipReason(code) + " (parte " + name + ")"));
+            raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(code) + " (parte " + name + ")"));
         }
         zip_fclose(f);
     }
@@ -129,20 +131,22 @@ std::string Package::Find(const std::string& name) const {
 
 std::string Package::Read(const std::string& name) {
     const std::string stored = Find(name);
-    if (stored.empty()) raise(Damaged(file_, "falta la parte " + name));
+    if (stored.empty()) raise(FaultCode::FileDamaged, Damaged(file_, "falta la parte " + name));
     const zip_int64_t index = zip_name_locate(zip_->za, stored.c_str(), 0);
     zip_stat_t st;
     zip_stat_init(&st);
     if (index < 0 || zip_stat_index(zip_->za, static_cast<zip_uint64_t>(index), 0, &st) != 0)
-        raise(Damaged(file_, "no se puede leer la parte " + name));
+        raise(FaultCode::FileDamaged, Damaged(file_, "no se puede leer la parte " + name));
     auto bomb = [&] {
-        raise("El libro \"" + file_ + "\" se rechaza: la parte " + stored + " se expande a más de " +
-              MiB(kMaxPartBytes) + " (parece una bomba zip). El archivo no se modificó.");
+        raise(FaultCode::FileDamaged, "El libro \"" + file_ + "\" se rechaza: la parte " + stored +
+                                          " se expande a más de " + MiB(kMaxPartBytes) +
+                                          " (parece una bomba zip). El archivo no se modificó.");
     };
     // The declared size may lie: it only lets an honest oversized part be refused before reading.
     if ((st.valid & ZIP_STAT_SIZE) && st.size > kMaxPartBytes) bomb();
     zip_file_t* f = zip_fopen_index(zip_->za, static_cast<zip_uint64_t>(index), 0);
-    if (!f) raise(Damaged(file_, ZipReason(zip_error_code_zip(zip_get_error(zip_->za)))));
+    if (!f)
+        raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(zip_error_code_zip(zip_get_error(zip_->za)))));
     std::string out;
     char buf[65536];
     for (;;) {
@@ -150,7 +154,7 @@ std::string Package::Read(const std::string& name) {
         if (got < 0) {
             const int code = zip_error_code_zip(zip_file_get_error(f));
             zip_fclose(f);
-            raise(Damaged(file_, ZipReason(code) + " (parte " + stored + ")"));
+            raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(code) + " (parte " + stored + ")"));
         }
         if (got == 0) break;
         out.append(buf, static_cast<std::size_t>(got));
@@ -160,11 +164,13 @@ std::string Package::Read(const std::string& name) {
         }
     }
     const int closed = zip_fclose(f);
-    if (closed != 0) raise(Damaged(file_, ZipReason(closed) + " (parte " + stored + ")"));
+    if (closed != 0)
+        raise(FaultCode::FileDamaged, Damaged(file_, ZipReason(closed) + " (parte " + stored + ")"));
     expanded_ += out.size();
     if (expanded_ > kMaxTotalBytes)
-        raise("El libro \"" + file_ + "\" se rechaza: sus partes se expanden a más de " +
-              MiB(kMaxTotalBytes) + " (parece una bomba zip). El archivo no se modificó.");
+        raise(FaultCode::FileDamaged,
+              "El libro \"" + file_ + "\" se rechaza: sus partes se expanden a más de " +
+                  MiB(kMaxTotalBytes) + " (parece una bomba zip). El archivo no se modificó.");
     return out;
 }
 
@@ -174,7 +180,7 @@ namespace {
 template <typename AddParts>
 std::string WriteArchive(const std::string& file, AddParts add) {
     auto fail = [&](const std::string& why) {
-        raise("No se pudo preparar el libro \"" + file + "\": " + why + ".");
+        raise(FaultCode::FileNotSaved, "No se pudo preparar el libro \"" + file + "\": " + why + ".");
     };
     zip_error_t err;
     zip_error_init(&err);
@@ -220,8 +226,8 @@ void AddBuffer(zip_t* out, const std::string& name, const std::string& data, con
     const zip_int64_t idx = s ? zip_file_add(out, name.c_str(), s, ZIP_FL_ENC_UTF_8) : -1;
     if (idx < 0) {
         if (s) zip_source_free(s);
-        raise("No se pudo preparar el libro \"" + file +
-              "\": " + ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
+        raise(FaultCode::FileNotSaved, "No se pudo preparar el libro \"" + file +
+                                           "\": " + ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
     }
     zip_set_file_compression(out, static_cast<zip_uint64_t>(idx), ZIP_CM_DEFLATE, 0);
 }
@@ -248,8 +254,8 @@ std::string Package::Write(const std::map<std::string, std::string>& replaced,
             const zip_int64_t idx = s ? zip_file_add(out, name.c_str(), s, 0) : -1;
             if (idx < 0) {
                 if (s) zip_source_free(s);
-                raise("No se pudo preparar el libro \"" + file_ +
-                      "\": " + ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
+                raise(FaultCode::FileNotSaved, "No se pudo preparar el libro \"" + file_ + "\": " +
+                                                   ZipReason(zip_error_code_zip(zip_get_error(out))) + ".");
             }
             if (st.valid & ZIP_STAT_MTIME)
                 zip_file_set_mtime(out, static_cast<zip_uint64_t>(idx), st.mtime, 0);

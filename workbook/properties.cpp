@@ -3,7 +3,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "workbook/package.hpp"
 #include "workbook/save_file.hpp"
 #include "workbook/xml.hpp"
@@ -18,7 +18,7 @@ constexpr const char* kFmtid = "{D5CDD505-2E9C-101B-9397-08002B2CF9AE}";
 
 std::string ReadAll(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) raise("No se pudo abrir el libro \"" + path.string() + "\".");
+    if (!in) raise(FaultCode::FileNotFound, "No se pudo abrir el libro \"" + path.string() + "\".");
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
@@ -80,8 +80,9 @@ void WriteCustomProperties(const std::filesystem::path& path,
         const std::string types_part = pkg.Find("[Content_Types].xml");
         const std::string rels_part = pkg.Find("_rels/.rels");
         if (types_part.empty() || rels_part.empty())
-            raise("El libro \"" + path.string() +
-                  "\" no tiene la lista de partes que se esperaba; no se modificó.");
+            raise(FaultCode::FileDamaged,
+                  "El libro \"" + path.string() +
+                      "\" no tiene la lista de partes que se esperaba; no se modificó.");
         pugi::xml_document types, rels;
         ParseXml(types, pkg.Read(types_part), pkg.File(), types_part);
         ParseXml(rels, pkg.Read(rels_part), pkg.File(), rels_part);

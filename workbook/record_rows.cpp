@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 
 namespace cauce::workbook {
 
@@ -15,10 +15,11 @@ int LastRow(const Sheet& sheet) {
 void RefuseFormulas(const Sheet& sheet, int from) {
     for (const auto& [key, cell] : sheet.Values())
         if (key.first >= from && sheet.IsFormula(key.first, key.second))
-            raise("La hoja \"" + sheet.Name() +
-                  "\" tiene fórmulas en las filas que habría que mover (la fila " +
-                  std::to_string(key.first) +
-                  "): agregue o elimine ese registro en la hoja de cálculo. El libro no se modificó.");
+            raise(FaultCode::RecordRefused,
+                  "La hoja \"" + sheet.Name() +
+                      "\" tiene fórmulas en las filas que habría que mover (la fila " +
+                      std::to_string(key.first) +
+                      "): agregue o elimine ese registro en la hoja de cálculo. El libro no se modificó.");
 }
 
 // Moves the values of rows [from, last] by `by` rows (+1 or -1), last row first when moving down.
@@ -40,7 +41,7 @@ void Shift(Sheet& sheet, int from, int by) {
 }  // namespace
 
 void InsertRow(Sheet& sheet, int row) {
-    if (row < 1) raise("No se puede insertar la fila " + std::to_string(row) + ".");
+    if (row < 1) raise(FaultCode::RecordRefused, "No se puede insertar la fila " + std::to_string(row) + ".");
     RefuseFormulas(sheet, row);
     const int last = LastRow(sheet);
     if (row > last) return;  // nothing below to move
@@ -49,7 +50,7 @@ void InsertRow(Sheet& sheet, int row) {
 }
 
 void DeleteRow(Sheet& sheet, int row) {
-    if (row < 1) raise("No se puede eliminar la fila " + std::to_string(row) + ".");
+    if (row < 1) raise(FaultCode::RecordRefused, "No se puede eliminar la fila " + std::to_string(row) + ".");
     RefuseFormulas(sheet, row);
     const int last = LastRow(sheet);
     if (row > last) return;

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "workbook/data_folder.hpp"
 
 namespace cauce::workbook {
@@ -20,15 +20,17 @@ void SheetRecords::Index() const {
     if (!sh) {
         std::string names;
         for (const auto& n : book_->SheetNames()) names += (names.empty() ? "\"" : ", \"") + n + "\"";
-        raise(
-            "El libro \"" + book_->Path() + "\" no tiene la hoja \"" + sheet_ + "\"" +
-            (names.empty() ? std::string(" (no tiene hojas con celdas)") : " (sus hojas son " + names + ")") +
-            ".");
+        raise(FaultCode::NoSuchSheet, "El libro \"" + book_->Path() + "\" no tiene la hoja \"" + sheet_ +
+                                          "\"" +
+                                          (names.empty() ? std::string(" (no tiene hojas con celdas)")
+                                                         : " (sus hojas son " + names + ")") +
+                                          ".");
     }
     const auto& values = sh->Values();
     if (values.empty())
-        raise("La hoja \"" + sheet_ + "\" del libro \"" + book_->Path() +
-              "\" está vacía: le falta la fila de encabezados con los nombres de las columnas.");
+        raise(FaultCode::NoSuchSheet,
+              "La hoja \"" + sheet_ + "\" del libro \"" + book_->Path() +
+                  "\" está vacía: le falta la fila de encabezados con los nombres de las columnas.");
     columns_.clear();
     header_ = values.begin()->first.first;
     for (auto it = values.begin(); it != values.end() && it->first.first == header_; ++it)
@@ -50,7 +52,9 @@ bool SheetRecords::HasColumn(const std::string& column) const {
 Sheet& SheetRecords::TheSheet() const {
     // Looked up each time: saving reloads the workbook from what was written.
     Sheet* sh = book_->FindSheet(sheet_);
-    if (!sh) raise("La hoja \"" + sheet_ + "\" ya no está en el libro \"" + book_->Path() + "\".");
+    if (!sh)
+        raise(FaultCode::NoSuchSheet,
+              "La hoja \"" + sheet_ + "\" ya no está en el libro \"" + book_->Path() + "\".");
     return *sh;
 }
 
@@ -58,11 +62,11 @@ std::pair<int, int> SheetRecords::Place(int record, const std::string& column) c
     Index();
     const auto it = columns_.find(column);
     if (it == columns_.end())
-        raise("La hoja \"" + sheet_ + "\" del libro \"" + book_->Path() + "\" no tiene la columna \"" +
-              column + "\".");
+        raise(FaultCode::NoSuchColumn, "La hoja \"" + sheet_ + "\" del libro \"" + book_->Path() +
+                                           "\" no tiene la columna \"" + column + "\".");
     if (record < 1 || record > count_)
-        raise("El registro " + std::to_string(record) + " no existe: la hoja \"" + sheet_ + "\" tiene " +
-              std::to_string(count_) + " registros.");
+        raise(FaultCode::NoSuchRecord, "El registro " + std::to_string(record) + " no existe: la hoja \"" +
+                                           sheet_ + "\" tiene " + std::to_string(count_) + " registros.");
     return {header_ + record, it->second};
 }
 

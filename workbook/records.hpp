@@ -35,7 +35,6 @@ class SheetRecords : public forms::RecordSource {
     std::string ReadOnly() const override { return book_->ReadOnly(); }
 
     Workbook& Book() { return *book_; }
-    const std::shared_ptr<Workbook>& Shared() const { return book_; }
 
   private:
     Sheet& TheSheet() const;

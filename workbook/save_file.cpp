@@ -1,6 +1,6 @@
 #include "workbook/save_file.hpp"
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "platform/platform.hpp"
 
 namespace cauce::workbook {
@@ -31,8 +31,8 @@ void ReplaceFile(const fs::path& target, const std::string& bytes) {
     if (fs::is_symlink(path, ec)) path = fs::canonical(path, ec);
     const fs::path folder = path.parent_path();
     auto fail = [&](const std::string& why) {
-        raise("No se pudo guardar el libro \"" + target.string() + "\": " + why +
-              ". El libro no se modificó.");
+        raise(FaultCode::FileNotSaved, "No se pudo guardar el libro \"" + target.string() + "\": " + why +
+                                           ". El libro no se modificó.");
     };
     try {
         if (platform::Identify(folder).kind != platform::FileKind::Folder)

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <set>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 #include "workbook/formula.hpp"
 #include "workbook/limits.hpp"
 #include "workbook/ref.hpp"
@@ -53,8 +53,8 @@ Sheet::Sheet(std::string name, std::string part, const std::string& xml,
     : name_(std::move(name)), part_(std::move(part)), file_(file) {
     ParseXml(doc_, xml, file_, part_);
     auto damaged = [&](const std::string& why) {
-        raise("El libro \"" + file_ + "\" está dañado: en la hoja \"" + name_ + "\", " + why +
-              ". El archivo no se modificó.");
+        raise(FaultCode::FileDamaged, "El libro \"" + file_ + "\" está dañado: en la hoja \"" + name_ +
+                                          "\", " + why + ". El archivo no se modificó.");
     };
     pugi::xml_node root = doc_.document_element();
     if (LocalName(root) != "worksheet") damaged("la parte " + part_ + " no es una hoja de cálculo");
@@ -178,8 +178,8 @@ pugi::xml_node Sheet::RowNode(int row) {
     pugi::xml_node node = next == rows_.end() ? data_.append_child(name.c_str())
                                               : data_.insert_child_before(name.c_str(), next->second);
     if (!node)
-        raise("No se pudo escribir la fila " + std::to_string(row) + " en la hoja \"" + name_ +
-              "\" del libro \"" + file_ + "\".");
+        raise(FaultCode::FileNotSaved, "No se pudo escribir la fila " + std::to_string(row) +
+                                           " en la hoja \"" + name_ + "\" del libro \"" + file_ + "\".");
     node.append_attribute("r").set_value(std::to_string(row).c_str());
     rows_.emplace(row, node);
     return node;
@@ -203,8 +203,8 @@ pugi::xml_node Sheet::CellNode(int row, int col) {
     const std::string name = prefix_ + "c";
     pugi::xml_node c = before ? r.insert_child_before(name.c_str(), before) : r.append_child(name.c_str());
     if (!c)
-        raise("No se pudo escribir la celda " + RefName(row, col) + " en la hoja \"" + name_ +
-              "\" del libro \"" + file_ + "\".");
+        raise(FaultCode::FileNotSaved, "No se pudo escribir la celda " + RefName(row, col) +
+                                           " en la hoja \"" + name_ + "\" del libro \"" + file_ + "\".");
     c.append_attribute("r").set_value(RefName(row, col).c_str());
     nodes_.emplace(std::pair{row, col}, c);
     return c;
@@ -248,8 +248,9 @@ void Sheet::GrowDimension(int row, int col) {
 
 void Sheet::Set(int row, int col, const Cell& value) {
     if (row < 1 || row > kMaxRow || col < 1 || col > kMaxColumn)
-        raise("La celda de la fila " + std::to_string(row) + ", columna " + std::to_string(col) +
-              " está fuera de la hoja \"" + name_ + "\".");
+        raise(FaultCode::RecordRefused, "La celda de la fila " + std::to_string(row) + ", columna " +
+                                            std::to_string(col) + " está fuera de la hoja \"" + name_ +
+                                            "\".");
     const std::pair<int, int> key{row, col};
     const bool exists = nodes_.count(key) > 0;
     if (!exists && IsEmpty(value)) return;

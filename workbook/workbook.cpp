@@ -1,7 +1,7 @@
 #include "workbook/workbook.hpp"
 
+#include "base/fault.hpp"
 #include "forms/binding.hpp"
-#include "hydraulics/fault.hpp"
 #include "platform/platform.hpp"
 #include "workbook/formula.hpp"
 #include "workbook/legacy.hpp"
@@ -86,9 +86,9 @@ std::unique_ptr<Workbook::State> Workbook::Load(std::string bytes, std::string f
     s->pkg = std::make_unique<Package>(std::move(bytes), file);
     Package& pkg = *s->pkg;
     auto not_a_book = [&] {
-        raise(
-            "\"" + file +
-            "\" no es un libro de Excel: es un archivo zip sin hoja de cálculo. El archivo no se modificó.");
+        raise(FaultCode::FileNotFound, "\"" + file +
+                                           "\" no es un libro de Excel: es un archivo zip sin hoja de "
+                                           "cálculo. El archivo no se modificó.");
     };
 
     // The package's relationships name its main part; xl/workbook.xml is where it always is.
@@ -133,13 +133,15 @@ std::unique_ptr<Workbook::State> Workbook::Load(std::string bytes, std::string f
         for (const auto& r : rels)
             if (r.id == id) rel = &r;
         if (!rel)
-            raise("El libro \"" + file + "\" está dañado: la hoja \"" + name +
-                  "\" no tiene su parte en el paquete. El archivo no se modificó.");
+            raise(FaultCode::FileDamaged,
+                  "El libro \"" + file + "\" está dañado: la hoja \"" + name +
+                      "\" no tiene su parte en el paquete. El archivo no se modificó.");
         if (!EndsWith(rel->type, "/worksheet")) continue;  // chart and dialog sheets hold no cells
         const std::string part = pkg.Find(rel->target);
         if (part.empty())
-            raise("El libro \"" + file + "\" está dañado: falta la parte " + rel->target + " de la hoja \"" +
-                  name + "\". El archivo no se modificó.");
+            raise(FaultCode::FileDamaged, "El libro \"" + file + "\" está dañado: falta la parte " +
+                                              rel->target + " de la hoja \"" + name +
+                                              "\". El archivo no se modificó.");
         s->sheets.push_back(std::make_unique<Sheet>(name, part, pkg.Read(part), strings, file));
     }
     return s;
@@ -164,18 +166,20 @@ FileIdentity IdentityOf(const fs::path& path) {
 
 std::string ReadWorkbookFile(const fs::path& path) {
     const std::string file = path.string();
-    auto fail = [&](const std::string& why) { raise(why + " El archivo no se modificó."); };
+    auto fail = [&](const std::string& why) {
+        raise(FaultCode::FileDamaged, why + " El archivo no se modificó.");
+    };
     platform::FileIdentity st;
     try {
         st = platform::Identify(path);
     } catch (const platform::Error& e) {
         fail("No se puede abrir el libro \"" + file + "\": " + e.Reason() + ".");
     }
-    if (!st.Exists()) raise("No se encuentra el libro \"" + file + "\".");
+    if (!st.Exists()) raise(FaultCode::FileNotFound, "No se encuentra el libro \"" + file + "\".");
     if (st.kind == platform::FileKind::Folder)
-        raise("\"" + file + "\" es una carpeta, no un libro de Excel.");
+        raise(FaultCode::FileNotFound, "\"" + file + "\" es una carpeta, no un libro de Excel.");
     if (st.kind != platform::FileKind::Regular)
-        raise("\"" + file + "\" no es un archivo común, no es un libro de Excel.");
+        raise(FaultCode::FileNotFound, "\"" + file + "\" no es un archivo común, no es un libro de Excel.");
     if (static_cast<std::uint64_t>(st.size) > kMaxFileBytes)
         fail("El libro \"" + file + "\" es demasiado grande (" + std::to_string(st.size >> 20) +
              " MB); Cauce lee libros de hasta " + std::to_string(kMaxFileBytes >> 20) + " MB.");
@@ -207,7 +211,8 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
     std::string bytes = ReadWorkbookFile(path);
     std::unique_ptr<Workbook> wb;
     if (bytes.empty()) {
-        raise("\"" + file + "\" está vacío: no es un libro de Excel. El archivo no se modificó.");
+        raise(FaultCode::FileNotFound,
+              "\"" + file + "\" está vacío: no es un libro de Excel. El archivo no se modificó.");
     } else if (bytes.compare(0, 4, kZip, 4) == 0) {
         wb = FromBytes(std::move(bytes), file);
     } else if (bytes.compare(0, 8, kCompound, 8) == 0) {
@@ -217,7 +222,8 @@ std::unique_ptr<Workbook> Workbook::Open(const fs::path& path) {
         wb->legacy_ = true;
         wb->legacy_omitted_ = std::move(legacy.omitted);
     } else {
-        raise("\"" + file + "\" no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.");
+        raise(FaultCode::FileNotFound,
+              "\"" + file + "\" no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.");
     }
     wb->on_disk_ = true;
     wb->disk_ = id;
@@ -308,7 +314,8 @@ std::string Workbook::Bytes() {
 
 void Workbook::Set(const std::string& sheet, int row, int col, const Cell& value) {
     Sheet* sh = FindSheet(sheet);
-    if (!sh) raise("La hoja \"" + sheet + "\" ya no está en el libro \"" + path_ + "\".");
+    if (!sh)
+        raise(FaultCode::NoSuchSheet, "La hoja \"" + sheet + "\" ya no está en el libro \"" + path_ + "\".");
     const auto key = std::make_tuple(sheet, row, col);
     auto it = edits_.find(key);
     if (it == edits_.end())
@@ -369,9 +376,10 @@ void Workbook::Rebase(Clash clash) {
     const FileIdentity id = IdentityOf(path_);
     std::string bytes = ReadWorkbookFile(path_);
     if (bytes.compare(0, 4, kZip, 4) != 0)
-        raise("No se pudo guardar el libro \"" + path_ +
-              "\": otro programa lo reemplazó por un archivo que no es un libro .xlsx. El archivo no se "
-              "modificó; sus cambios quedan pendientes.");
+        raise(FaultCode::FileNotSaved,
+              "No se pudo guardar el libro \"" + path_ +
+                  "\": otro programa lo reemplazó por un archivo que no es un libro .xlsx. El archivo no se "
+                  "modificó; sus cambios quedan pendientes.");
     auto fresh = Load(std::move(bytes), path_);
     std::vector<std::string> clashes;
     for (auto it = edits_.begin(); it != edits_.end();) {
@@ -450,7 +458,9 @@ bool Workbook::Refresh() {
 
 std::string Workbook::Save() {
     if (!Modified()) return "";
-    if (!on_disk_) raise("El libro \"" + path_ + "\" no está en el disco: no se puede guardar.");
+    if (!on_disk_)
+        raise(FaultCode::FileNotSaved,
+              "El libro \"" + path_ + "\" no está en el disco: no se puede guardar.");
     if (edit_lock_ && !legacy_ && !edit_lock_->Retake())
         throw(forms::SaveRefused(forms::SaveRefused::Why::Locked,
                                  edit_lock_->Holder() + " Sus cambios no se guardaron; quedan pendientes."));
@@ -472,8 +482,8 @@ std::string Workbook::Save() {
         for (int n = 2; fs::exists(target) && n < 100; ++n)
             target.replace_filename(fs::path(path_).stem().string() + " (" + std::to_string(n) + ").xlsx");
         if (fs::exists(target))
-            raise("No se pudo guardar el libro \"" + path_ +
-                  "\": ya existen demasiadas copias .xlsx junto a él.");
+            raise(FaultCode::FileNotSaved, "No se pudo guardar el libro \"" + path_ +
+                                               "\": ya existen demasiadas copias .xlsx junto a él.");
         note = "El libro \"" + path_ +
                "\" tiene el formato antiguo de Excel (.xls) y no se modifica: los cambios se "
                "guardaron en \"" +
@@ -492,9 +502,10 @@ std::string Workbook::Save() {
             bytes = Bytes();
             if (IdentityOf(path_) == now) break;
             if (attempt == 20)
-                raise("No se pudo guardar el libro \"" + path_ +
-                      "\": otro programa lo está escribiendo sin parar. El libro no se modificó; sus cambios "
-                      "quedan pendientes.");
+                raise(FaultCode::FileNotSaved, "No se pudo guardar el libro \"" + path_ +
+                                                   "\": otro programa lo está escribiendo sin parar. El "
+                                                   "libro no se modificó; sus cambios "
+                                                   "quedan pendientes.");
         }
         ReplaceFile(target, bytes);
     }

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "hydraulics/fault.hpp"
+#include "base/fault.hpp"
 
 namespace cauce::workbook {
 
@@ -89,15 +89,17 @@ void ParseXml(pugi::xml_document& doc, const std::string& text, const std::strin
     // no part of a workbook has one, so its presence alone is refused, before anything is expanded.
     const pugi::xml_parse_result r = doc.load_buffer(text.data(), text.size(), kParse, pugi::encoding_auto);
     if (HasDoctype(doc) || (!r && r.status == pugi::status_bad_doctype))
-        raise(
-            "El libro \"" + file + "\" se rechaza: la parte " + part +
-            " declara un tipo de documento con entidades XML, que un libro de Excel no usa. El archivo no se "
-            "modificó.");
+        raise(FaultCode::FileDamaged, "El libro \"" + file + "\" se rechaza: la parte " + part +
+                                          " declara un tipo de documento con entidades XML, que un libro de "
+                                          "Excel no usa. El archivo no se "
+                                          "modificó.");
     if (!r)
-        raise("El libro \"" + file + "\" está dañado: la parte " + part + " no es XML válido (" +
-              Problem(r.status) + ", posición " + std::to_string(r.offset) + "). El archivo no se modificó.");
+        raise(FaultCode::FileDamaged, "El libro \"" + file + "\" está dañado: la parte " + part +
+                                          " no es XML válido (" + Problem(r.status) + ", posición " +
+                                          std::to_string(r.offset) + "). El archivo no se modificó.");
     if (!doc.document_element())
-        raise("El libro \"" + file + "\" está dañado: la parte " + part + " está vacía.");
+        raise(FaultCode::FileDamaged,
+              "El libro \"" + file + "\" está dañado: la parte " + part + " está vacía.");
 }
 
 std::string WriteXml(pugi::xml_document& doc) {

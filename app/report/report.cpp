@@ -12,7 +12,7 @@
 #include <QWidget>
 
 #include "app/report/report_standard.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "workbook/properties.hpp"
 
 namespace cauce::app {

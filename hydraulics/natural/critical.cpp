@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/natural/state.hpp"
 
 namespace cauce::natural {
@@ -20,15 +21,11 @@ namespace {
 
 constexpr const char* kNoEnd = "El tirante crítico no se alcanza: el cálculo no termina";
 
-double Froude(double q, double a, double t) {
-    return Div(Div(q, a), Sqr(Div(9.81 * a, t)));
-}
-
 // Froude number in band k with the water hb above level k-1, in the march's order of operations.
 double InBand(const State& st, int s, double hb) {
     const double a = st.Acum(s, st.k - 1) + hb * (st.T(s, st.k - 1) + st.m(s, st.k) * hb);
     const double t = st.T(s, st.k - 1) + 2 * st.m(s, st.k) * hb;
-    return Froude(st.Qc, a, t);
+    return DischargeFroude(st.Qc, a, t);
 }
 
 }  // namespace
@@ -36,7 +33,7 @@ double InBand(const State& st, int s, double hb) {
 void State::Critica(int s) {
     double fr = 0;
     for (int j = 2; j <= npts(s); ++j) {
-        fr = Froude(Qc, Acum(s, j), T(s, j));
+        fr = DischargeFroude(Qc, Acum(s, j), T(s, j));
         if (fr <= 1) {
             k = j;
             break;
@@ -46,12 +43,12 @@ void State::Critica(int s) {
 }
 
 void State::CriticaMarch(int s, double fr) {
-    StepBudget budget(kMarchBudget, kNoEnd);
+    StepBudget budget(kMarchBudget, FaultCode::CriticalDepthEndless, kNoEnd);
     double hb = Z(s, k) - Z(s, k - 1);
     while (fr < 1) {
         budget.step();
         fr = InBand(*this, s, hb);
-        hb = hb - 0.001;
+        hb = hb - kStep1mm;
     }
     Yc(s) = Yj(s, k - 1) + hb;
 }
@@ -65,26 +62,26 @@ bool State::CriticaFast(int s, double fr) {
         const double top = Z(s, k) - Z(s, k - 1);
         if (!(Qc > 0 && top > 0 && t0 >= 0 && a0 >= 0 && mm >= 0 && 3 * t0 * t0 >= 2 * mm * a0)) return false;
         // h = h - 0.001 from the top of the band, kept while the band stays the same.
-        thread_local AccumulationCache cache(-0.001);
+        thread_local AccumulationCache cache(-kStep1mm);
         Accumulation& steps = cache.From(top);
         auto depth = [&steps](std::int64_t j) { return steps.At(j); };
         // Steps that surely leave water in the band (the accumulated steps stray from j x 0.001 by
         // far less than a step); a crossing below them is left to the march.
-        const double span = std::floor(top / 0.001) - 2;
+        const double span = std::floor(top / kStep1mm) - 2;
         if (!(span >= 1 && span < static_cast<double>(kMarchBudget))) return false;
         const auto last = static_cast<std::int64_t>(span);
         // Critical flow, A^3 = (Qc^2 / g) T, by Newton on the continuous depth: a guess of the step.
-        const double q2g = Qc * Qc / 9.81;
+        const double q2g = Qc * Qc / kGravity;
         auto excess = [&](double y) {
             const double a = a0 + y * (t0 + mm * y), t = t0 + 2 * mm * y;
             return std::pair{a * a * a - q2g * t, 3 * a * a * t - q2g * 2 * mm};
         };
         const double y = NewtonGuess(top, 0.0, top, excess);
         const std::int64_t stop =
-            FirstReachedNear(0, last, StepNear((top - y) / 0.001, 0, last),
+            FirstReachedNear(0, last, StepNear((top - y) / kStep1mm, 0, last),
                              [&](std::int64_t j) { return InBand(*this, s, depth(j)) >= 1; });
         if (stop > last) return false;  // still subcritical at the band's foot: walk the march on
-        Yc(s) = Yj(s, k - 1) + (depth(stop) - 0.001);
+        Yc(s) = Yj(s, k - 1) + (depth(stop) - kStep1mm);
         return true;
     } catch (const Fault&) {
         return false;

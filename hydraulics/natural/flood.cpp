@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/natural/state.hpp"
 
 namespace cauce::natural {
@@ -43,19 +44,16 @@ OverBank AtHeight(const State& st, int s, double hz) {
 
 // Heights over the banks: 0, then height = height + 0.002.
 Accumulation& OverBankSteps() {
-    thread_local Accumulation steps(0.0, 0.002);
+    thread_local Accumulation steps(0.0, kStep2mm);
     return steps;
-}
-
-double BankFroude(double q, double a, double t) {
-    return Div(Div(q, a), Sqr(Div(9.81 * a, t)));
 }
 
 }  // namespace
 
 void State::Qdesbord(int s) {
     if (S0(s) == 0 && Q(s) > Qlleno(s))
-        raise("Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
+        raise(FaultCode::ZeroSlope,
+              "Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
     if (literal || !FloodFast(s)) FloodMarch(s);
     Tw(s) = B + 2 * hz;
     Yn(s) = Ylleno(s) + hz;
@@ -63,12 +61,12 @@ void State::Qdesbord(int s) {
 }
 
 void State::FloodMarch(int s) {
-    StepBudget budget(kMarchBudget, kNoEnd);
+    StepBudget budget(kMarchBudget, FaultCode::FloodDepthEndless, kNoEnd);
     hz = 0;
     double qt = Qlleno(s);
     while (qt < Q(s)) {
         budget.step();
-        hz = hz + 0.002;
+        hz = hz + kStep2mm;
         const OverBank o = AtHeight(*this, s, hz);
         Am = o.am;
         Af = o.af;
@@ -95,7 +93,7 @@ bool State::FloodFast(int s) {
             return std::pair{qm + qf - Q(s), qm * 5.0 / 3.0 * (tn + 2 * y) / am + dqf};
         };
         const double y = NewtonGuess(1.0, 0.0, 1e4, excess);
-        stop = FirstReachedNear(1, kMarchBudget, StepNear(y / 0.002, 1, kMarchBudget),
+        stop = FirstReachedNear(1, kMarchBudget, StepNear(y / kStep2mm, 1, kMarchBudget),
                                 [&](std::int64_t j) { return !(AtHeight(*this, s, height(j)).qt < Q(s)); });
         if (stop <= kMarchBudget) {
             hz = height(stop);
@@ -109,7 +107,7 @@ bool State::FloodFast(int s) {
     } catch (const Fault&) {
         return false;
     }
-    raise(kNoEnd);
+    raise(FaultCode::FloodDepthEndless, kNoEnd);
 }
 
 bool State::NoFloodZone(int s) const {
@@ -127,13 +125,13 @@ void State::Qdesbord3(int s) {
     Vm = Div(Qm, Am);
     Tm = tn + 2 * hz;
 
-    const double fr = BankFroude(Q(s), abank, tn);
+    const double fr = DischargeFroude(Q(s), abank, tn);
     Qc = Q(s);
     if (fr < 1) {
         Critica(s);
         return;
     }
-    const double frb = BankFroude(Qm, abank, tn);
+    const double frb = DischargeFroude(Qm, abank, tn);
     if (frb >= 1) {
         Yc(s) = Ylleno(s) + OverBankCritical(s, frb);
     } else {
@@ -149,30 +147,30 @@ double State::OverBankCritical(int s, double frb) {
     const double tn = T(s, top);
     const double abank = Acum(s, top);
     auto froude = [&](double height) {
-        return BankFroude(Qm, abank + height * (tn + height), tn + 2 * height);
+        return DischargeFroude(Qm, abank + height * (tn + height), tn + 2 * height);
     };
     // Froude falls as the water rises between the 1:1 walls when 2 A <= 3 T^2 at the banks.
     if (!literal && frb > 1 && Qm > 0 && tn > 0 && abank > 0 && 2 * abank <= 3 * tn * tn) {
         try {
             auto height = [](std::int64_t j) { return OverBankSteps().At(j); };
-            const double q2g = Qm * Qm / 9.81;
+            const double q2g = Qm * Qm / kGravity;
             auto excess = [&](double y) {
                 const double a = abank + y * (tn + y), t = tn + 2 * y;
                 return std::pair{a * a * a - q2g * t, 3 * a * a * t - 2 * q2g};
             };
             const double y = NewtonGuess(0.0, -1.0, 1e4, excess);
             const std::int64_t stop =
-                FirstReachedNear(1, kMarchBudget, StepNear(y / 0.002, 1, kMarchBudget),
+                FirstReachedNear(1, kMarchBudget, StepNear(y / kStep2mm, 1, kMarchBudget),
                                  [&](std::int64_t j) { return !(froude(height(j)) > 1); });
             if (stop <= kMarchBudget) return height(stop);
         } catch (const Fault&) {
         }
     }
-    StepBudget budget(kMarchBudget, kNoCritical);
+    StepBudget budget(kMarchBudget, FaultCode::FloodCriticalEndless, kNoCritical);
     double height = 0;
     while (frb > 1) {
         budget.step();
-        height = height + 0.002;
+        height = height + kStep2mm;
         frb = froude(height);
     }
     return height;

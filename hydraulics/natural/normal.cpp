@@ -46,14 +46,15 @@ void State::NormalInBank(int s) {
         }
     }
     if (S0(s) == 0 && q > 0)
-        raise("Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
+        raise(FaultCode::ZeroSlope,
+              "Pendiente nula: el caudal no se alcanza a ninguna profundidad (revise la Pendiente)");
     if (literal || !NormalFast(s)) NormalMarch(s);
 }
 
 void State::NormalMarch(int s) {
     const double q = Q(s);
-    StepBudget budget(kMarchBudget, kNoEnd);
-    h = 0.001;
+    StepBudget budget(kMarchBudget, FaultCode::NormalDepthEndless, kNoEnd);
+    h = kStep1mm;
     double qcalc = 0;
     while (qcalc < q) {
         budget.step();
@@ -62,7 +63,7 @@ void State::NormalMarch(int s) {
         P = f.p;
         Tw(s) = f.t;
         qcalc = f.q;
-        h = h + 0.001;
+        h = h + kStep1mm;
     }
     Yn(s) = Yj(s, k - 1) + h;
 }
@@ -75,7 +76,7 @@ bool State::NormalFast(int s) {
         // 5 T0 P0 >= 2 P' A0 (P' = 2 sqrt(1 + m^2)); the excess then only grows with the depth.
         const double t0 = T(s, k - 1), a0 = Acum(s, k - 1), p0 = Pcum(s, k - 1), mm = m(s, k);
         if (!(t0 >= 0 && a0 >= 0 && mm >= 0 && 5 * t0 * p0 >= 2 * (2 * Sqr(1 + mm * mm)) * a0)) return false;
-        thread_local Accumulation steps(0.001, 0.001);  // h = 0.001, then h = h + 0.001
+        thread_local Accumulation steps(kStep1mm, kStep1mm);  // h = 0.001, then h = h + 0.001
         auto depth = [](std::int64_t j) { return steps.At(j - 1); };
         // Where Manning's equation crosses q in the band, by Newton on the continuous depth: only a
         // guess of the step, which the search then confirms on the march's own depths.
@@ -88,7 +89,7 @@ bool State::NormalFast(int s) {
         const double top = Z(s, k) - Z(s, k - 1);
         const double y = NewtonGuess(top > 0 ? top : 1.0, 0.0, 1e4, excess);
         const std::int64_t stop =
-            FirstReachedNear(1, kMarchBudget, StepNear(y / 0.001, 1, kMarchBudget),
+            FirstReachedNear(1, kMarchBudget, StepNear(y / kStep1mm, 1, kMarchBudget),
                              [&](std::int64_t j) { return InBand(*this, s, depth(j)).q >= q; });
         if (stop <= kMarchBudget) {
             const double hstop = depth(stop);
@@ -96,14 +97,14 @@ bool State::NormalFast(int s) {
             A(s) = f.a;
             P = f.p;
             Tw(s) = f.t;
-            h = hstop + 0.001;
+            h = hstop + kStep1mm;
             Yn(s) = Yj(s, k - 1) + h;
             return true;
         }
     } catch (const Fault&) {
         return false;  // the march meets the fault where it arises
     }
-    raise(kNoEnd);  // the discharge is never reached within the march's budget
+    raise(FaultCode::NormalDepthEndless, kNoEnd);  // the discharge is never reached within the march's budget
 }
 
 }  // namespace cauce::natural

@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "hydraulics/constants.hpp"
 #include "hydraulics/tables.hpp"
 
 namespace cauce::natural {
@@ -19,10 +20,6 @@ inline constexpr const char* kDesbordamiento = "HAY DESBORDAMIENTO";
 inline constexpr const char* kAnchoMenor = "El ancho B no puede ser menor que Tn. Ver Figura";
 
 enum class TableError { None, Cotas, Anchos };
-
-// Step cap of every march: a real channel needs a few thousand steps; this allows a kilometre of depth
-// in 1 mm steps (two in 2 mm steps), and a click that runs it out still ends within a second.
-inline constexpr long long kMarchBudget = 1'000'000;
 
 struct State {
     // Section table and the cumulative level tables built from it (sections 0..50, levels 0..20).

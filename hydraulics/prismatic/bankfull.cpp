@@ -13,7 +13,8 @@ void State::Lleno() {
     Tb = static_cast<float>(TrapezoidTopWidth(b, z, h));
     const double root = SlopeRoot(S);
     if (n == 0)
-        raise("Falta la Rugosidad: no se puede calcular el caudal a banca llena (revise la Rugosidad)");
+        raise(FaultCode::MissingRoughness,
+              "Falta la Rugosidad: no se puede calcular el caudal a banca llena (revise la Rugosidad)");
     Qb = Div(Div(root, n) * Pow(Ab, 5.0 / 3.0), Pow(Pb, 2.0 / 3.0));
 }
 

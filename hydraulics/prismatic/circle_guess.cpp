@@ -1,5 +1,7 @@
 #include "hydraulics/prismatic/circle_guess.hpp"
 
+#include "hydraulics/constants.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <tuple>
@@ -59,7 +61,7 @@ double NormalDepthGuess(double D, double coef, double q, double ytop) {
 }
 
 double CriticalDepthGuess(double D, double q) {
-    const double target = 2 * std::log(q) - std::log(9.81);
+    const double target = 2 * std::log(q) - std::log(kGravity);
     auto excess = [&](double u) {
         const double alpha = std::exp(u), sn = std::sin(alpha), seg = Segment(alpha);
         const double f = 3 * std::log(seg * D * D / 4) - std::log(D * sn) - target;

@@ -13,6 +13,7 @@
 #include <cstdint>
 
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/prismatic/circle_guess.hpp"
 #include "hydraulics/prismatic/state.hpp"
 
@@ -27,7 +28,7 @@ constexpr const char* kConduitNormalEndless =
 }  // namespace
 
 double State::FullConduit() {
-    if (D < 0) raise("Diámetro negativo: revise el Diametro");
+    if (D < 0) raise(FaultCode::NegativeDiameter, "Diámetro negativo: revise el Diametro");
     const double af = 3.1416 * (D * D) / 4;
     const double rf = D / 4;
     Qlleno = Div(SlopeRoot(S) * Pow(rf, 0.66667) * af, n);
@@ -51,7 +52,7 @@ void State::Clleno() {
 
 void State::Circular() {
     // From the half-full conduit when Q is at least half the full discharge: it carries Qlleno / 2.
-    y = 0.001;
+    y = kStep1mm;
     double qc = 0;
     if (Q >= Qlleno / 2) {
         y = D / 2;
@@ -61,14 +62,14 @@ void State::Circular() {
 }
 
 void State::CircularMarch(double qc, std::int64_t done) {
-    StepBudget budget(kMarchBudget - done, kConduitNormalEndless);
+    StepBudget budget(kMarchBudget - done, FaultCode::ConduitNormalEndless, kConduitNormalEndless);
     while (qc < Q) {
         budget.step();
         // Past the crown the discharge only falls as the depth grows: a march that has gone a
         // diameter above it without reaching Q never will.
-        if (y > 2 * D) raise(kConduitNormalEndless);
+        if (y > 2 * D) raise(FaultCode::ConduitNormalEndless, kConduitNormalEndless);
         qc = Geometria();
-        y = y + 0.001;
+        y = y + kStep1mm;
     }
     Yn = y;
 }
@@ -81,16 +82,16 @@ bool State::CircularFast(double qc) {
     if (!(qc < Q && Q > 0 && std::isfinite(Q) && S > 0 && n > 0 && D > 0 && D <= kLargestFastDiameter))
         return false;
     const double start = y, top = 0.9 * D;
-    const double span = std::floor((top - start) / 0.001) - 2;  // see kLargestFastDiameter
+    const double span = std::floor((top - start) / kStep1mm) - 2;  // see kLargestFastDiameter
     if (!(span >= 0)) return false;
     const auto last = static_cast<std::int64_t>(std::min(span, static_cast<double>(kMarchBudget - 1)));
-    thread_local AccumulationCache cache(0.001);
+    thread_local AccumulationCache cache(kStep1mm);
     Accumulation& steps = cache.From(start);  // y = y + 0.001 from the start
     std::int64_t stop, reached_at = -1;
     ConduitAt at{};  // the last step found to reach Q: where the search ends when it finds one
     try {
         const double guess = NormalDepthGuess(D, std::sqrt(S) / n, Q, top);
-        stop = FirstReachedNear(0, last, StepNear((guess - start) / 0.001, 0, last), [&](std::int64_t j) {
+        stop = FirstReachedNear(0, last, StepNear((guess - start) / kStep1mm, 0, last), [&](std::int64_t j) {
             const ConduitAt here = ConduitAtDepth(*this, steps.At(j));
             if (here.q < Q) return false;
             reached_at = j;
@@ -104,7 +105,7 @@ bool State::CircularFast(double qc) {
         // Not within the depths trusted to the search: the march goes on from the last of them.
         y = steps.At(last);
         qc = Geometria();
-        y = y + 0.001;
+        y = y + kStep1mm;
         CircularMarch(qc, last + 1);
         return true;
     }
@@ -117,14 +118,14 @@ bool State::CircularFast(double qc) {
     } else {
         Geometria();
     }
-    y = y + 0.001;
+    y = y + kStep1mm;
     Yn = y;
     return true;
 }
 
 ConduitFigure State::Final() {
     Vn = Div(Q, A);
-    F = Div(Vn, Sqr(Div(9.81 * A, T)));
+    F = Froude(Vn, A, T);
     QQlleno = Div(Q, Qlleno);
     YnD = Div(Yn, D);
     VnVlleno = Div(Vn, Vlleno);

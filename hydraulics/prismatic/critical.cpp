@@ -15,19 +15,20 @@
 #include <cstdint>
 
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/prismatic/circle_guess.hpp"
 #include "hydraulics/prismatic/state.hpp"
 
 namespace cauce::prismatic {
 
 void State::Critica() {
-    StepBudget budget(kIterationBudget,
+    StepBudget budget(kIterationBudget, FaultCode::ChannelCriticalEndless,
                       "El tirante crítico no converge: el cálculo no termina "
                       "(revise la Base, el Talud y el Caudal)");
-    const double scale = Pow(Div(Qc, Sqr(9.81)), 2.0 / 3.0);
+    const double scale = Pow(Div(Qc, Sqr(kGravity)), 2.0 / 3.0);
     double yi = 1;
     double change = 1;
-    while (change > 0.0001) {
+    while (change > kTolerance) {
         budget.step();
         const double t = b + yi * z * 2;
         W = b + z * yi;
@@ -44,10 +45,6 @@ namespace {
 constexpr const char* kConduitCriticalEndless =
     "El tirante crítico del conducto no se alcanza: el cálculo no termina (revise el Caudal)";
 
-double ConduitFroude(double v, double a, double t) {
-    return Div(v, Sqr(Div(9.81 * a, t)));
-}
-
 // A step of the march at y (Geometria's discharge and its faults included), without touching the
 // state.
 ConduitStep StepAt(const State& st, std::int64_t index, double y) {
@@ -55,7 +52,7 @@ ConduitStep StepAt(const State& st, std::int64_t index, double y) {
     step.index = index;
     step.at = ConduitAtDepth(st, y);
     step.vc = Div(st.Q, step.at.A);
-    step.froude = ConduitFroude(step.vc, step.at.A, step.at.T);
+    step.froude = Froude(step.vc, step.at.A, step.at.T);
     return step;
 }
 
@@ -82,13 +79,13 @@ void State::Criticac2() {
 }
 
 void State::ClimbMarch(std::int64_t done) {
-    StepBudget budget(kMarchBudget - done, kConduitCriticalEndless);
+    StepBudget budget(kMarchBudget - done, FaultCode::ConduitCriticalEndless, kConduitCriticalEndless);
     while (F > 1) {
         budget.step();
         Geometria();
         Vc = Div(Q, A);
-        F = ConduitFroude(Vc, A, T);
-        y = y + 0.001;
+        F = Froude(Vc, A, T);
+        y = y + kStep1mm;
     }
 }
 
@@ -99,15 +96,15 @@ bool State::ClimbFast() {
     const Trusted trusted = TrustedDepths(D);
     const double start = y;
     if (!(start >= trusted.lo && start <= trusted.hi)) return false;
-    const double span = std::floor((trusted.hi - start) / 0.001) - 2;  // see kLargestFastDiameter
+    const double span = std::floor((trusted.hi - start) / kStep1mm) - 2;  // see kLargestFastDiameter
     if (!(span >= 0)) return false;
     const auto last = static_cast<std::int64_t>(std::min(span, static_cast<double>(kMarchBudget - 1)));
-    thread_local AccumulationCache cache(0.001);
+    thread_local AccumulationCache cache(kStep1mm);
     Accumulation& steps = cache.From(start);  // y = y + 0.001 from the normal depth
     ConduitStep found;
     std::int64_t stop;
     try {
-        const double guess = (CriticalDepthGuess(D, Q) - start) / 0.001;
+        const double guess = (CriticalDepthGuess(D, Q) - start) / kStep1mm;
         stop = FirstReachedNear(0, last, StepNear(guess, 0, last), [&](std::int64_t j) {
             const ConduitStep here = StepAt(*this, j, steps.At(j));
             if (here.froude > 1) return false;
@@ -118,7 +115,7 @@ bool State::ClimbFast() {
         return false;
     }
     CriticalStep(found, stop, steps.At(std::min(stop, last)));
-    y = y + 0.001;
+    y = y + kStep1mm;
     if (stop > last) ClimbMarch(last + 1);
     return true;
 }
@@ -127,22 +124,22 @@ void State::Criticac() {
     y = Yn;
     const bool climbed = F > 1;
     if (climbed) Criticac2();
-    if (y == D) y = D - 0.005;
+    if (y == D) y = D - kStep5mm;
     // The Froude number has the sign of Q: with no positive discharge the descent never ends.
-    if (Q <= 0) raise(kConduitCriticalEndless);
+    if (Q <= 0) raise(FaultCode::ConduitCriticalEndless, kConduitCriticalEndless);
     // After a climb the descent turns back within a step or two of where the climb stopped.
     if (literal || !DescentFast(climbed ? 2 : -1)) DescentMarch(0);
     Yc = y;
 }
 
 void State::DescentMarch(std::int64_t done) {
-    StepBudget budget(kMarchBudget - done, kConduitCriticalEndless);
+    StepBudget budget(kMarchBudget - done, FaultCode::ConduitCriticalEndless, kConduitCriticalEndless);
     while (F <= 1) {
         budget.step();
         Geometria();
         Vc = Div(Q, A);
-        F = ConduitFroude(Vc, A, T);
-        y = y - 0.001;
+        F = Froude(Vc, A, T);
+        y = y - kStep1mm;
     }
 }
 
@@ -153,15 +150,15 @@ bool State::DescentFast(std::int64_t guess) {
     const Trusted trusted = TrustedDepths(D);
     const double start = y;
     if (!(start >= trusted.lo && start <= trusted.hi)) return false;
-    const double span = std::floor((start - trusted.lo) / 0.001) - 2;  // see kLargestFastDiameter
+    const double span = std::floor((start - trusted.lo) / kStep1mm) - 2;  // see kLargestFastDiameter
     if (!(span >= 0)) return false;
     const auto last = static_cast<std::int64_t>(std::min(span, static_cast<double>(kMarchBudget - 1)));
-    thread_local AccumulationCache cache(-0.001);
+    thread_local AccumulationCache cache(-kStep1mm);
     Accumulation& steps = cache.From(start);  // y = y - 0.001 from the start of the descent
     ConduitStep found;
     std::int64_t stop;
     try {
-        if (guess < 0) guess = StepNear((start - CriticalDepthGuess(D, Q)) / 0.001, 0, last);
+        if (guess < 0) guess = StepNear((start - CriticalDepthGuess(D, Q)) / kStep1mm, 0, last);
         stop = FirstReachedNear(0, last, guess, [&](std::int64_t i) {
             const ConduitStep here = StepAt(*this, i, steps.At(i));
             if (!(here.froude > 1)) return false;
@@ -172,7 +169,7 @@ bool State::DescentFast(std::int64_t guess) {
         return false;
     }
     CriticalStep(found, stop, steps.At(std::min(stop, last)));
-    y = y - 0.001;
+    y = y - kStep1mm;
     if (stop > last) DescentMarch(last + 1);
     return true;
 }
@@ -184,7 +181,7 @@ void State::CriticalStep(const ConduitStep& found, std::int64_t index, double de
     if (found.index != index) {
         Geometria();
         Vc = Div(Q, A);
-        F = ConduitFroude(Vc, A, T);
+        F = Froude(Vc, A, T);
         return;
     }
     A = found.at.A;

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "hydraulics/accumulate.hpp"
+#include "hydraulics/froude.hpp"
 #include "hydraulics/prismatic/state.hpp"
 
 namespace cauce::prismatic {
@@ -25,7 +26,7 @@ constexpr const char* kFloodEndless =
 
 // Heights over the banks: 0, then d = d + 0.0025.
 Accumulation& OverBankSteps() {
-    thread_local Accumulation steps(0.0, 0.0025);
+    thread_local Accumulation steps(0.0, kStep2_5mm);
     return steps;
 }
 
@@ -39,9 +40,9 @@ OverBanksAt OverBanksAtDepth(const State& st, double d) {
     o.Wf = st.Bz - st.Tb;
     o.Af = o.Wf * d;
     if (o.Af < 0)
-        raise(
-            "El ancho de la zona inundable es menor que el ancho del canal a banca llena "
-            "(revise el Ancho zona)");
+        raise(FaultCode::NarrowFloodZone,
+              "El ancho de la zona inundable es menor que el ancho del canal a banca llena "
+              "(revise el Ancho zona)");
     const double pf = o.Wf + 2 * Sqr(2) * d;
     o.Qf = Div(root * Pow(o.Af, 5.0 / 3.0), st.nz * Pow(pf, 2.0 / 3.0));
     o.Qt = o.Qm + o.Qf;
@@ -68,10 +69,10 @@ FloodStatus State::Qdesbord() {
 }
 
 void State::FloodMarch() {
-    StepBudget budget(kFloodBudget, kFloodEndless);
+    StepBudget budget(kFloodBudget, FaultCode::ChannelFloodEndless, kFloodEndless);
     while (Qt < Q) {
         budget.step();
-        d = d + 0.0025;
+        d = d + kStep2_5mm;
         Qdesbord2();
     }
 }
@@ -97,7 +98,7 @@ bool State::FloodFast() {
             const double dqf = af > 0 ? qf * (5.0 / 3.0 / x - 2.0 / 3.0 * wall / pf) : 0.0;
             return std::pair{qm + qf - Q, qm * 5.0 / 3.0 * (tb + 2 * x) / am + dqf};
         };
-        const double guess = NewtonGuess(1.0, 0.0, kFloodBudget * 0.0025, excess) / 0.0025;
+        const double guess = NewtonGuess(1.0, 0.0, kFloodBudget * kStep2_5mm, excess) / kStep2_5mm;
         stop = FirstReachedNear(1, kFloodBudget, StepNear(guess, 1, kFloodBudget), [&](std::int64_t j) {
             return !(OverBanksAtDepth(*this, OverBankSteps().At(j)).Qt < Q);
         });
@@ -107,7 +108,7 @@ bool State::FloodFast() {
     // The march's state after the step it stops at, or after the last step of its budget.
     d = OverBankSteps().At(std::min(stop, kFloodBudget));
     Qdesbord2();
-    if (stop > kFloodBudget) raise(kFloodEndless);
+    if (stop > kFloodBudget) raise(FaultCode::ChannelFloodEndless, kFloodEndless);
     return true;
 }
 
@@ -120,11 +121,11 @@ bool State::Qdesbord3() {
     Vf = Af == 0 ? 0.0 : Div(Qrest, Af);
     Tt = Bz + 2 * d;
     Tm = Tb + 2 * d;
-    Fm = Div(Vm, Sqr(Div(9.81 * Am, Tm)));
-    Ff = Af == 0 ? 0.0 : Div(Vf, Sqr(Div(9.81 * Af, Wf)));
+    Fm = Froude(Vm, Am, Tm);
+    Ff = Af == 0 ? 0.0 : Froude(Vf, Af, Wf);
     // The whole discharge in the bank-full area: supercritical there means the critical depth is
     // above the banks.
-    const double bankfull_froude = Div(Div(Q, Ab), Sqr(Div(9.81 * Ab, Tb)));
+    const double bankfull_froude = DischargeFroude(Q, Ab, Tb);
     return bankfull_froude > 1;
 }
 

@@ -6,18 +6,19 @@
 // guards P -> 0.0001 and W -> 1 keep a triangle's first passes from dividing by zero.
 #include <cmath>
 
+#include "hydraulics/froude.hpp"
 #include "hydraulics/prismatic/state.hpp"
 
 namespace cauce::prismatic {
 
 void State::Normal() {
-    StepBudget budget(kIterationBudget,
+    StepBudget budget(kIterationBudget, FaultCode::ChannelNormalEndless,
                       "El tirante normal no converge: el cálculo no termina "
                       "(revise la Rugosidad, la Pendiente, la Base, el Talud y el Caudal)");
     const double scale = Pow(Div(n * Q, SlopeRoot(S)), 0.6);
     double yi = 1;
     double change = 1;
-    while (change > 0.0001) {
+    while (change > kTolerance) {
         budget.step();
         double p = b + yi * 2 * Sqr(1 + z * z);
         if (p == 0) p = 0.0001;
@@ -32,7 +33,7 @@ void State::Normal() {
     Vn = Div(Q, A);
     T = b + Yn * z * 2;
     Dh = Div(A, T);
-    F = Div(Vn, Sqr(9.81 * Dh));
+    F = Div(Vn, Sqr(kGravity * Dh));
 }
 
 void State::Normal2() {
@@ -43,7 +44,7 @@ void State::Normal2() {
     Q = Div(SlopeRoot(S) * Pow(R, 2.0 / 3.0) * A, n);
     Vn = Div(Q, A);
     T = b + yi * z * 2;
-    F = Div(Vn, Sqr(Div(9.81 * A, T)));
+    F = Froude(Vn, A, T);
 }
 
 }  // namespace cauce::prismatic

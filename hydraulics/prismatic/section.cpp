@@ -15,7 +15,9 @@ SectionType State::Datos() const {
 }
 
 double SlopeRoot(double S) {
-    if (S < 0) raise("Pendiente negativa: no hay flujo uniforme con esta pendiente (revise la Pendiente)");
+    if (S < 0)
+        raise(FaultCode::NegativeSlope,
+              "Pendiente negativa: no hay flujo uniforme con esta pendiente (revise la Pendiente)");
     return Sqr(S);
 }
 

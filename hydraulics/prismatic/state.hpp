@@ -10,7 +10,8 @@
 
 #include <cstdint>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
+#include "hydraulics/constants.hpp"
 
 namespace cauce::prismatic {
 
@@ -22,15 +23,6 @@ enum class ConduitFigure { Low, Middle, High };
 
 // What Qdesbord found before marching.
 enum class FloodStatus { Computed, MissingZone };
-
-// Guards of the searches. The fixed-point iterations of a real channel converge in a few dozen
-// passes; the 1 mm and 2.5 mm marches need a few thousand steps. These allow conduits of kilometres
-// and a kilometre of water over the banks, so they never change a result where the search ends.
-// The conduit's marches are also bounded by depth (see conduit.cpp and critical.cpp), so that a
-// discharge no depth carries is told at once.
-inline constexpr std::int64_t kIterationBudget = 100'000;
-inline constexpr std::int64_t kMarchBudget = 5'000'000;
-inline constexpr std::int64_t kFloodBudget = 400'000;
 
 // Above this diameter the conduit's searches walk their marches: a 1 mm step is then too small a part
 // of the conduit to be sure that rounding cannot blur the change it makes. Below it, a march's depth

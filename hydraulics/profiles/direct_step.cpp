@@ -28,7 +28,7 @@ struct March {
 };
 
 void DirectStep(State& st, int k, const March& m, std::int64_t budget) {
-    StepBudget passes(budget, kEndlessMarch);
+    StepBudget passes(budget, FaultCode::ProfileEndless, kEndlessMarch);
     double d = 0;
     for (;;) {
         passes.step();
@@ -54,7 +54,7 @@ void DirectStep(State& st, int k, const March& m, std::int64_t budget) {
 
 void Perfilm1(State& st, int k, const RunPolicy& policy) {
     st.Tipo(k) = "M1";
-    DirectStep(st, k, {-kDepthStep, st.Yn(k), st.Yn(k), k, policy.steps_store_velocity}, policy.step_budget);
+    DirectStep(st, k, {-kStep5mm, st.Yn(k), st.Yn(k), k, policy.steps_store_velocity}, policy.step_budget);
 }
 
 void Perfilm2(State& st, int k, const RunPolicy& policy) {
@@ -64,13 +64,13 @@ void Perfilm2(State& st, int k, const RunPolicy& policy) {
         st.Y = st.Yc(k) + kAboveCritical;
         st.Za(k) = st.Y + st.Zbed(k);
     }
-    DirectStep(st, k, {kDepthStep, st.Yn(k), st.Yn(k), 0, policy.steps_store_velocity}, policy.step_budget);
+    DirectStep(st, k, {kStep5mm, st.Yn(k), st.Yn(k), 0, policy.steps_store_velocity}, policy.step_budget);
 }
 
 void Perfils1(State& st, int k, const RunPolicy& policy) {
     st.Tipo(k) = "S1";
     // The stop is tested 0.02 m above critical depth, but the depth handed upstream is Yc itself.
-    DirectStep(st, k, {-kDepthStep, st.Yc(k) + kAboveCritical, st.Yc(k), k, false}, policy.step_budget);
+    DirectStep(st, k, {-kStep5mm, st.Yc(k) + kAboveCritical, st.Yc(k), k, false}, policy.step_budget);
 }
 
 }  // namespace cauce::profiles

@@ -32,13 +32,9 @@ namespace cauce::profiles {
 
 using natural::State;
 
-inline constexpr double kDepthStep = 0.005;     // m, the fixed depth increment of every march
 inline constexpr double kAboveCritical = 0.02;  // m, M2 start and S1 stop margin above Yc
 inline constexpr int kTableRows = 15;           // sections 1..15 are shown, whatever N is
 
-// Passes of one stepping march before it is taken to be endless: each pass moves the depth 5 mm, so
-// this is 500 m of depth, far beyond any channel (and a click that runs it out still ends quickly).
-inline constexpr std::int64_t kStepBudget = 100'000;
 inline constexpr const char* kEndlessMarch =
     "El cálculo del perfil no termina: la distancia no alcanza la longitud del tramo ni el tirante su límite "
     "(revise la sección, la pendiente y el caudal)";

@@ -16,7 +16,7 @@ SectionValues EvaluateSection(State& st, int k) {
     s.V = Div(st.Q(k), st.A(k));
     const double r = Div(st.A(k), st.P);
     s.Sf = Div((st.n * st.n) * (s.V * s.V), Pow(r, 4.0 / 3.0));
-    s.E = Finite(st.Y + s.V * s.V / 19.62);
+    s.E = Finite(st.Y + s.V * s.V / kTwiceGravity);
     return s;
 }
 

@@ -8,7 +8,7 @@
 namespace cauce::scour {
 
 double GrainExponent(double dm) {
-    if (dm < 0) raise("El diámetro del material (Dmm) no puede ser negativo");
+    if (dm < 0) raise(FaultCode::NegativeGrainSize, "El diámetro del material (Dmm) no puede ser negativo");
     double a = 0;
     double b = 0;
     if (dm < 1) {

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <string>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 #include "hydraulics/standard_step/root_finder.hpp"
 #include "hydraulics/standard_step/section.hpp"
@@ -117,10 +117,11 @@ double CriticalDepth(const Section& s) {
         // The least energy at the end of the grid: the minimum lies higher up.
         if (best + 1 == grid.size() || grid[best] > s.top() + kDepthLimit) {
             if (hi > s.top() + kDepthLimit)
-                raise(
-                    (s.number > 0 ? "La sección " + std::to_string(s.number)
-                                  : "El tramo en la abscisa " + std::to_string(s.x)) +
-                    " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su caudal).");
+                raise(FaultCode::StandardStepNoDepth,
+                      (s.number > 0 ? "La sección " + std::to_string(s.number)
+                                    : "El tramo en la abscisa " + std::to_string(s.x)) +
+                          " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su "
+                          "caudal).");
             hi *= 2;
             continue;
         }

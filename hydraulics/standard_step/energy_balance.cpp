@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/standard_step/balance.hpp"
 #include "hydraulics/standard_step/root_finder.hpp"
 
@@ -33,8 +33,9 @@ double Losses(const Section& up, const Props& pu, const Section& down, const Pro
 [[noreturn]] void NoDepth(const Section& s, const Section& named) {
     const std::string where = named.number > 0 ? "La sección " + std::to_string(named.number)
                                                : "El tramo en la abscisa " + std::to_string(s.x);
-    raise(where +
-          " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su rugosidad).");
+    raise(
+        FaultCode::StandardStepNoDepth,
+        where + " no lleva el caudal a ninguna profundidad razonable (revise su geometría y su rugosidad).");
 }
 
 }  // namespace

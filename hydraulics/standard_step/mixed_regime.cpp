@@ -14,7 +14,7 @@
 #include <string>
 #include <utility>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/natural/state.hpp"
 #include "hydraulics/scour/scour.hpp"
 #include "hydraulics/standard_step/balance.hpp"

@@ -20,9 +20,9 @@
 #include <string>
 #include <vector>
 
-namespace cauce::standard_step {
+#include "hydraulics/constants.hpp"
 
-inline constexpr double kGravity = 9.81;  // m/s2
+namespace cauce::standard_step {
 
 // One surveyed section, as its record holds it.
 struct SectionInput {

@@ -24,7 +24,7 @@ double BankFullFroude(const natural::State& st, int s) {
     const int top = st.npts(s);
     const double a = st.Acum(s, top), t = st.T(s, top);
     if (!(a > 0 && t > 0)) return 0;
-    return (st.Q(s) / a) / std::sqrt(9.81 * a / t);
+    return (st.Q(s) / a) / std::sqrt(kGravity * a / t);
 }
 
 }  // namespace

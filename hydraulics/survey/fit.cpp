@@ -11,7 +11,7 @@
 #include <cmath>
 #include <limits>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/survey/survey.hpp"
 
 namespace cauce::survey {
@@ -67,7 +67,8 @@ Moments MomentsOf(const Profile& p) {
 // width difference over the depth; of stacks equally close, the one with fewer levels.
 std::vector<std::size_t> ChooseLevels(const Profile& p, const std::vector<double>& widths, int max_levels) {
     const std::size_t n = p.z.size();
-    if (n < 2 || max_levels < 2) raise("Hacen falta al menos 2 niveles: el fondo y la corona.");
+    if (n < 2 || max_levels < 2)
+        raise(FaultCode::SurveyLevels, "Hacen falta al menos 2 niveles: el fondo y la corona.");
     const std::size_t most = std::min<std::size_t>(static_cast<std::size_t>(max_levels), n);
     const Moments mo = MomentsOf(p);
     const double bed = p.z[0];

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/survey/survey.hpp"
 
 namespace cauce::survey {
@@ -40,8 +40,9 @@ bool Meet(const Point& a, const Point& b, const Point& c, const Point& d) {
 }
 
 [[noreturn]] void Crossing(const Point& p) {
-    raise(Capital(Where(p)) + ": la abscisa " + NumberWords(p.x) +
-          " vuelve atrás y el perfil se cruza consigo mismo; los puntos van de izquierda a derecha.");
+    raise(FaultCode::SurveyShape,
+          Capital(Where(p)) + ": la abscisa " + NumberWords(p.x) +
+              " vuelve atrás y el perfil se cruza consigo mismo; los puntos van de izquierda a derecha.");
 }
 
 }  // namespace
@@ -62,13 +63,14 @@ std::string NumberWords(double value) {
 // bed and top, and warnings. Purpose: refuse, naming the line, what no channel can be made of.
 Ground CheckGround(std::vector<Point> points) {
     if (points.size() > kMaxPoints)
-        raise("El levantamiento tiene " + std::to_string(points.size()) + " puntos; el máximo es " +
-              std::to_string(kMaxPoints) + ".");
+        raise(FaultCode::SurveyPoints, "El levantamiento tiene " + std::to_string(points.size()) +
+                                           " puntos; el máximo es " + std::to_string(kMaxPoints) + ".");
     for (const Point& p : points)
         if (!std::isfinite(p.x) || !std::isfinite(p.z) || std::abs(p.x) > kMaxCoordinate ||
             std::abs(p.z) > kMaxCoordinate)
-            raise(Capital(Where(p)) + ": la abscisa y la cota deben ser números de metros entre -" +
-                  NumberWords(kMaxCoordinate) + " y " + NumberWords(kMaxCoordinate) + ".");
+            raise(FaultCode::SurveyPoints,
+                  Capital(Where(p)) + ": la abscisa y la cota deben ser números de metros entre -" +
+                      NumberWords(kMaxCoordinate) + " y " + NumberWords(kMaxCoordinate) + ".");
     Ground g;
     for (const Point& p : points) {
         if (!g.points.empty() && g.points.back().x == p.x && g.points.back().z == p.z) {
@@ -81,12 +83,14 @@ Ground CheckGround(std::vector<Point> points) {
     }
     const auto& pts = g.points;
     if (pts.size() < 3)
-        raise("Hacen falta al menos 3 puntos (abscisa y cota) de izquierda a derecha; hay " +
-              std::to_string(pts.size()) + ".");
+        raise(FaultCode::SurveyPoints,
+              "Hacen falta al menos 3 puntos (abscisa y cota) de izquierda a derecha; hay " +
+                  std::to_string(pts.size()) + ".");
     if (pts.back().x <= pts.front().x)
-        raise(Capital(Where(pts.back())) + ": la última abscisa (" + NumberWords(pts.back().x) +
-              ") no es mayor que la primera (" + NumberWords(pts.front().x) +
-              "); los puntos van de izquierda a derecha.");
+        raise(FaultCode::SurveyShape, Capital(Where(pts.back())) + ": la última abscisa (" +
+                                          NumberWords(pts.back().x) + ") no es mayor que la primera (" +
+                                          NumberWords(pts.front().x) +
+                                          "); los puntos van de izquierda a derecha.");
 
     // A point that turns straight back along the segment it came by retraces the ground.
     for (std::size_t i = 1; i + 1 < pts.size(); ++i) {
@@ -94,8 +98,9 @@ Ground CheckGround(std::vector<Point> points) {
         const double dot = (b.x - a.x) * (c.x - b.x) + (b.z - a.z) * (c.z - b.z);
         if (Turn(a, b, c) == 0 && dot < 0) {
             if (c.x < b.x) Crossing(c);
-            raise(Capital(Where(c)) + ": el perfil vuelve sobre sí mismo en la abscisa " + NumberWords(c.x) +
-                  "; los puntos van de izquierda a derecha.");
+            raise(FaultCode::SurveyShape, Capital(Where(c)) +
+                                              ": el perfil vuelve sobre sí mismo en la abscisa " +
+                                              NumberWords(c.x) + "; los puntos van de izquierda a derecha.");
         }
     }
     // With abscissas that never go back the ground cannot cross itself; otherwise every pair of
@@ -113,10 +118,11 @@ Ground CheckGround(std::vector<Point> points) {
     g.top = std::min(pts.front().z, pts.back().z);
     for (const Point* end : {&pts.front(), &pts.back()})
         if (end->z <= g.bed)
-            raise("El perfil no retiene agua: el extremo " +
-                  std::string(end == &pts.front() ? "izquierdo" : "derecho") + " (" + Where(*end) +
-                  ", cota " + NumberWords(end->z) + ") no está por encima del fondo (cota " +
-                  NumberWords(g.bed) + ").");
+            raise(FaultCode::SurveyShape, "El perfil no retiene agua: el extremo " +
+                                              std::string(end == &pts.front() ? "izquierdo" : "derecho") +
+                                              " (" + Where(*end) + ", cota " + NumberWords(end->z) +
+                                              ") no está por encima del fondo (cota " + NumberWords(g.bed) +
+                                              ").");
     return g;
 }
 

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/survey/survey.hpp"
 
 namespace cauce::survey {
@@ -66,7 +66,7 @@ Profile ProfileOf(const Ground& g) {
         }
         // From the left end (dry ground above the water) every crossing enters or leaves the water.
         if (crossings.size() % 2 != 0)
-            raise("El perfil del terreno no es una línea simple entre sus extremos.");
+            raise(FaultCode::SurveyShape, "El perfil del terreno no es una línea simple entre sus extremos.");
         std::sort(crossings.begin(), crossings.end(),
                   [](const Crossing& a, const Crossing& b) { return a.lo + a.hi < b.lo + b.hi; });
         double t_lo = 0, t_hi = 0;

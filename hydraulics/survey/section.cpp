@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/survey/survey.hpp"
 
 namespace cauce::survey {
@@ -86,8 +86,8 @@ void Warn(const Profile& p, std::vector<std::string>& warnings) {
 // its differences from the survey and warnings. Purpose: the level table of a surveyed section.
 Section SectionFromSurvey(std::vector<Point> points, int max_levels) {
     if (max_levels < 2 || max_levels > kMaxLevels)
-        raise("El número de niveles va de 2 a " + std::to_string(kMaxLevels) + "; se pidieron " +
-              std::to_string(max_levels) + ".");
+        raise(FaultCode::SurveyLevels, "El número de niveles va de 2 a " + std::to_string(kMaxLevels) +
+                                           "; se pidieron " + std::to_string(max_levels) + ".");
     Ground g = CheckGround(std::move(points));
     const Profile p = ProfileOf(g);
     const std::vector<double> widths = LevelWidths(p);

@@ -8,7 +8,7 @@
 #include <charconv>
 
 #include "forms/screen.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "screens/profile_screen.hpp"
 
 namespace cauce::apptest {
@@ -34,7 +34,7 @@ class MemorySource : public forms::RecordSource {
         sheet_->rows.at(static_cast<std::size_t>(record - 1))[column] = text;
     }
     std::string Save() override {
-        if (!sheet_->fail_save.empty()) raise(sheet_->fail_save);
+        if (!sheet_->fail_save.empty()) raise(FaultCode::FileNotSaved, sheet_->fail_save);
         ++sheet_->saves;
         return "";
     }
@@ -47,7 +47,7 @@ class MemorySource : public forms::RecordSource {
 
 std::unique_ptr<forms::RecordSource> OpenMemory(const std::string& path, const std::string&) {
     const auto it = Books().find(path);
-    if (it == Books().end()) raise("No se puede abrir el libro \"" + path + "\"");
+    if (it == Books().end()) raise(FaultCode::FileNotFound, "No se puede abrir el libro \"" + path + "\"");
     return std::make_unique<MemorySource>(path, it->second);
 }
 

@@ -5,7 +5,7 @@ Form1's numbers are checked against the screen driven through "cauce guion"; a r
 the desktop's "Calcular el tramo" are in tests/app/tst_session.cpp. The outputs are read back with
 independent parsers (csv, json, openpyxl, pdftotext).
 
-Environment: CAUCE (the program), CAUCE_EJEMPLOS (the bundled example workbooks), CAUCE_CON_GUI (1 when
+Environment: CAUCE (the program), CAUCE_EXAMPLES (the bundled example workbooks), CAUCE_WITH_GUI (1 when
 the program draws PNG and PDF). Every test works in a scratch folder of its own, with CAUCE_DATOS
 pointing into it.
 """
@@ -25,8 +25,8 @@ import unittest
 import openpyxl
 
 CAUCE = os.environ.get("CAUCE", "cauce")
-EXAMPLES = os.environ.get("CAUCE_EJEMPLOS", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
-WITH_GUI = os.environ.get("CAUCE_CON_GUI") == "1"
+EXAMPLES = os.environ.get("CAUCE_EXAMPLES", os.path.join(os.path.dirname(__file__), "..", "..", "examples"))
+WITH_GUI = os.environ.get("CAUCE_WITH_GUI") == "1"
 
 class Scratch(unittest.TestCase):
     """A scratch folder with copies of the example workbooks and its own data folder."""

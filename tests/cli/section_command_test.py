@@ -5,7 +5,7 @@ The outputs are read back with Python's csv and json readers, the written record
 through Form2 driven by "cauce guion" (what the screen reads from the boxes), and a refused write is
 checked to leave the workbook's bytes as they were.
 
-Environment: as cli_test.py (CAUCE, CAUCE_EJEMPLOS).
+Environment: as cli_test.py (CAUCE, CAUCE_EXAMPLES).
 """
 import csv
 import io

@@ -3,7 +3,7 @@
 of cauce informe, and CSV with ";" and the decimal comma, run as a user runs them and read back with
 openpyxl, LibreOffice, pdftotext and Python's csv reader.
 
-Environment: as cli_test.py (CAUCE, CAUCE_EJEMPLOS, CAUCE_CON_GUI).
+Environment: as cli_test.py (CAUCE, CAUCE_EXAMPLES, CAUCE_WITH_GUI).
 """
 import csv
 import io
@@ -155,7 +155,7 @@ class ProyectoTest(Scratch):
         self.assertIn('name="Proyecto"><vt:lpwstr>Canal Sur</vt:lpwstr>', custom)
         # The workbook's sheets are as they were.
         self.assertEqual(rows(self.path("Rios.xlsx"), "Persecc"),
-                         rows(os.path.join(os.environ.get("CAUCE_EJEMPLOS"), "Rios.xlsx"), "Persecc"))
+                         rows(os.path.join(os.environ.get("CAUCE_EXAMPLES"), "Rios.xlsx"), "Persecc"))
 
 
 class SeparadorTest(Scratch):

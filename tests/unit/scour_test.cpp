@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/scour/scour.hpp"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "forms/survey_points.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/natural/state.hpp"
 #include "hydraulics/survey/survey.hpp"
 

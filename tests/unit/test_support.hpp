@@ -50,7 +50,7 @@ inline double Manning(double area, double perimeter, double n, double s) {
 
 // How many random cases the identity tests of the fast searches run (fewer under the sanitizers).
 inline int IdentityCases() {
-    const char* env = std::getenv("CAUCE_CASOS_IDENTIDAD");
+    const char* env = std::getenv("CAUCE_IDENTITY_CASES");
     return env ? std::atoi(env) : 100000;
 }
 

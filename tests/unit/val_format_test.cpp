@@ -5,7 +5,7 @@
 
 #include "forms/format.hpp"
 #include "forms/val.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 
 using cauce::Fault;
 using cauce::forms::CInt;

@@ -9,7 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "platform/platform.hpp"
 #include "tests/workbook/support.hpp"
 #include "workbook/records.hpp"
@@ -322,7 +322,7 @@ TEST_F(WorkbookTest, SaveCutShortBeforeTheRenameLeavesTheOldWorkbookWhole) {
     workbook::SetBeforeRenameHook([&](const fs::path& temp) {
         at_rename = Slurp(file);
         written = Slurp(temp);
-        raise("corte");
+        raise(FaultCode::FileNotSaved, "corte");
     });
     (void)Guion(With(kEditAndMove, file));
     EXPECT_EQ(at_rename, Slurp(kRios));
@@ -334,7 +334,7 @@ TEST_F(WorkbookTest, SaveCutShortBeforeTheRenameLeavesTheOldWorkbookWhole) {
     fs::remove_all(Dir() / "datos");
     for (const auto& e : fs::directory_iterator(Dir()))
         if (e.path() != file) fs::remove(e.path());
-    workbook::SetBeforeRenameHook([](const fs::path&) { raise("corte"); });
+    workbook::SetBeforeRenameHook([](const fs::path&) { raise(FaultCode::FileNotSaved, "corte"); });
     const auto r = Guion(With(kEditAndMove, file));
     workbook::SetBeforeRenameHook(nullptr);
     EXPECT_EQ(r.status, 1);

@@ -2,7 +2,7 @@
 // again (moving, the ends of the sheet and a save that fails: tst_windows.cpp).
 #include <nlohmann/json.hpp>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "tests/workbook/support.hpp"
 #include "workbook/records.hpp"
 #include "workbook/workbook.hpp"

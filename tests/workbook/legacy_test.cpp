@@ -2,7 +2,7 @@
 // process that is cauce itself; a reader that dies is a message naming the file, never a crash.
 #include <cstdlib>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "tests/workbook/support.hpp"
 #include "workbook/legacy.hpp"
 #include "workbook/workbook.hpp"
@@ -64,14 +64,14 @@ TEST_F(WorkbookTest, LegacyReaderThatDiesIsADamagedFileNamed) {
     const fs::path file = Dir() / "rio.xls";
     ASSERT_EQ(Workbooks("crear-xls " + file.string()), 0);
     const std::string before = Slurp(file);
-    ::setenv("CAUCE_PRUEBA_LECTOR_XLS", "abortar", 1);
+    ::setenv("CAUCE_TEST_XLS_READER", "abort", 1);
     std::string message;
     try {
         (void)workbook::Workbook::Open(file);
     } catch (const Fault& f) {
         message = f.what();
     }
-    ::unsetenv("CAUCE_PRUEBA_LECTOR_XLS");
+    ::unsetenv("CAUCE_TEST_XLS_READER");
     EXPECT_EQ(
         message,
         "No se puede leer el libro antiguo " + Q(file) +

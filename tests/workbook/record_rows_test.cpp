@@ -2,7 +2,7 @@
 // packages built here.
 #include <gtest/gtest.h>
 
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "support.hpp"
 #include "workbook/new_workbook.hpp"
 #include "workbook/properties.hpp"

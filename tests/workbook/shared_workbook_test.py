@@ -5,7 +5,7 @@
   shared_workbook_test.py -v LibreOfficeTest   LibreOffice (headless, driven through python3-uno) as the
                                           other program: its workbook edited by Cauce, its lock
                                           honoured, Cauce's lock seen by it
-Environment: CAUCE (the program), CAUCE_EJEMPLOS (examples/), CAUCE_DATOS (a scratch data folder).
+Environment: CAUCE (the program), CAUCE_EXAMPLES (examples/), CAUCE_DATOS (a scratch data folder).
 """
 import json
 import os
@@ -19,7 +19,7 @@ import unittest
 import openpyxl
 
 CAUCE = os.environ["CAUCE"]
-EJEMPLOS = os.environ["CAUCE_EJEMPLOS"]
+EJEMPLOS = os.environ["CAUCE_EXAMPLES"]
 TRIALS = 20
 
 

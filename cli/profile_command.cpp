@@ -264,7 +264,7 @@ int Run(const Options& o) {
 
 }  // namespace
 
-Command AddPerfil(CLI::App& parent) {
+Command AddProfileCommand(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand(
         "perfil", "Calcula el perfil de la superficie del agua de uno o más tramos (libros)");

@@ -12,7 +12,7 @@
 #include "cli/text_table.hpp"
 #include "cli/uniform.hpp"
 #include "forms/binding.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/natural/state.hpp"
 #include "reach/run.hpp"
 #include "screens/form1.hpp"
@@ -93,7 +93,7 @@ Point FromForm1(const forms::Screen& s, const std::string& q) {
     Point p;
     p.q = q;
     p.fault = s.LastError().has_value();
-    p.notice = s.LastError() ? *s.LastError() : s.Get(form1::label::Message).text;
+    p.notice = s.LastError() ? s.LastError()->what() : s.Get(form1::label::Message).text;
     p.ok = !s.LastError() && !s.Get(form1::box::NormalDepth).text.empty();
     if (p.ok) {
         p.yn = s.Get(form1::box::NormalDepth).text;
@@ -108,7 +108,7 @@ Point FromForm5(const forms::Screen& s, const std::string& q) {
     p.q = q;
     p.fault = s.LastError().has_value();
     const std::string& message = s.Get(form5::label::Message).text;
-    p.notice = s.LastError() ? *s.LastError() : message;
+    p.notice = s.LastError() ? s.LastError()->what() : message;
     const std::string& table = s.Get(form5::label::FloodZone).text;
     if (!table.empty() && table != "ZONA INUNDABLE:")
         p.notice = table + (p.notice.empty() ? "" : "; " + p.notice);
@@ -140,12 +140,12 @@ void March(Curve& c, const std::vector<std::string>& qs, RunOne run) {
 Curve RecordCurve(const Options& o, const std::vector<std::string>& qs) {
     Curve c;
     const auto opener = forms::GetSourceOpener();
-    if (!opener) throw Fault("Esta versión se compiló sin libros de Excel.");
+    if (!opener) throw Fault(FaultCode::NoWorkbook, "Esta versión se compiló sin libros de Excel.");
     std::string sheet = o.sheet;
     if (sheet.empty()) {
         std::string why;
         sheet = DefaultSheet(o.book, why);
-        if (sheet.empty()) throw Fault(why + " Dé la hoja con --hoja.");
+        if (sheet.empty()) throw Fault(FaultCode::NoSuchSheet, why + " Dé la hoja con --hoja.");
     }
     if (o.record.empty())
         throw UsageError("falta --registro: la fila de la hoja (1 es la primera bajo los encabezados)");
@@ -155,8 +155,9 @@ Curve RecordCurve(const Options& o, const std::vector<std::string>& qs) {
     const int record = static_cast<int>(r);
     const auto source = opener(o.book, sheet);  // throws Fault with the reason
     if (record > source->RecordCount())
-        throw Fault("El registro " + std::to_string(record) + " no existe: la hoja \"" + sheet + "\" tiene " +
-                    std::to_string(source->RecordCount()) + " registros.");
+        throw Fault(FaultCode::NoSuchRecord, "El registro " + std::to_string(record) +
+                                                 " no existe: la hoja \"" + sheet + "\" tiene " +
+                                                 std::to_string(source->RecordCount()) + " registros.");
     c.title = "Curva de gasto: hoja \"" + sheet + "\", registro " + std::to_string(record);
     if (source->HasColumn("z1")) {
         const ChannelInput& ch = o.channel;
@@ -192,8 +193,9 @@ Curve RecordCurve(const Options& o, const std::vector<std::string>& qs) {
         });
         return c;
     }
-    throw Fault("La hoja \"" + sheet +
-                "\" no describe secciones (columnas z1, t1, ...) ni canales (Base, Talud).");
+    throw Fault(
+        FaultCode::NoSuchSheet,
+        "La hoja \"" + sheet + "\" no describe secciones (columnas z1, t1, ...) ni canales (Base, Talud).");
 }
 
 Curve ChannelCurve(const Options& o, const std::vector<std::string>& qs) {
@@ -326,7 +328,7 @@ int Run(const Options& o) {
 
 }  // namespace
 
-Command AddCurva(CLI::App& parent) {
+Command AddCurveCommand(CLI::App& parent) {
     static Options o;
     CLI::App* app =
         parent.add_subcommand("curva", "Curva de gasto (profundidad normal contra caudal) de una sección");

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Start-up of the desktop application: the time from launching `cauce` to its first painted window,
 # and the memory it then holds. The program ends itself right after that first paint
-# (CAUCE_MEDIR_ARRANQUE) and prints its own count from entering the desktop code and its resident
+# (CAUCE_MEASURE_STARTUP) and prints its own count from entering the desktop code and its resident
 # memory; this script adds the wall time from the launch, which includes loading Qt.
 #
-#   bash bench/arranque.sh [BUILD_FOLDER] [RUNS]        (defaults: build, 10)
+#   bash bench/startup.sh [BUILD_FOLDER] [RUNS]        (defaults: build, 10)
 #
 # Without a display it runs itself under Xvfb. The workbooks go to a scratch data folder, so the
 # first run also measures copying the bundled examples there.
@@ -14,8 +14,8 @@ build=${1:-build}
 runs=${2:-10}
 exe=$build/cli/cauce
 [ -x "$exe" ] || { echo "No está $exe: compile antes (cmake --build $build --target cauce)" >&2; exit 2; }
-if [ -z "${DISPLAY:-}" ] && [ -z "${CAUCE_BAJO_XVFB:-}" ]; then
-  exec env CAUCE_BAJO_XVFB=1 xvfb-run -a -s "-screen 0 1600x1000x24" bash "$0" "$build" "$runs"
+if [ -z "${DISPLAY:-}" ] && [ -z "${CAUCE_UNDER_XVFB:-}" ]; then
+  exec env CAUCE_UNDER_XVFB=1 xvfb-run -a -s "-screen 0 1600x1000x24" bash "$0" "$build" "$runs"
 fi
 
 data=$(mktemp -d)
@@ -23,7 +23,7 @@ trap 'rm -rf "$data"' EXIT
 walls=() apps=() rss=() peak=()
 for i in $(seq 1 "$runs"); do
   t0=$(date +%s%N)
-  out=$(CAUCE_DATOS="$data" CAUCE_MEDIR_ARRANQUE=1 "$exe" 2>/dev/null)
+  out=$(CAUCE_DATOS="$data" CAUCE_MEASURE_STARTUP=1 "$exe" 2>/dev/null)
   t1=$(date +%s%N)
   line=$(grep '^arranque_ms=' <<<"$out") || { echo "La ejecución $i no informó del arranque" >&2; exit 1; }
   walls+=($(( (t1 - t0) / 1000000 )))

@@ -4,7 +4,7 @@
 # screen's (--metodo ambos), which should cost at most three times the screen's run. Each reach is opened, its twelve sections computed
 # with "(Y?)", its profile run with "Perfiles", and its table printed as CSV.
 #
-#   bash bench/perfil_lote.sh [CAUCE] [COPIAS]     (CAUCE defaults to build/cli/cauce, COPIAS to 200)
+#   bash bench/profile_batch.sh [CAUCE] [COPIAS]     (CAUCE defaults to build/cli/cauce, COPIAS to 200)
 set -euo pipefail
 here="$(cd "$(dirname "$0")/.." && pwd)"
 cauce="$(realpath -m "${1:-$here/build/cli/cauce}")"

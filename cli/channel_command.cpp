@@ -181,7 +181,7 @@ void ConduitOptions(CLI::App* app, ConduitInput& c, bool with_common) {
     }
 }
 
-Command AddCanal(CLI::App& parent) {
+Command AddChannelCommand(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand(
         "canal", "Flujo uniforme en un canal trapezoidal, rectangular o triangular (Form1)");
@@ -200,7 +200,7 @@ Command AddCanal(CLI::App& parent) {
         [] { return RunChannelCommand(o); });
 }
 
-Command AddTubo(CLI::App& parent) {
+Command AddConduitCommand(CLI::App& parent) {
     static Options o;
     CLI::App* app =
         parent.add_subcommand("tubo", "Flujo uniforme en un conducto circular parcialmente lleno (Form1)");

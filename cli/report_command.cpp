@@ -25,7 +25,7 @@ int Run(const Options& o) {
 
 }  // namespace
 
-Command AddInforme(CLI::App& parent) {
+Command AddReportCommand(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand("informe", "Escribe en PDF el informe de cálculo de un tramo");
     app->add_option("LIBRO", o.book, "Libro de Excel del tramo")->required()->type_name("");

@@ -5,7 +5,7 @@
 
 #include "cli/args.hpp"
 #include "cli/command.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "reach/book.hpp"
 #include "reach/run.hpp"
 
@@ -22,7 +22,7 @@ std::string SheetOf(const Options& o) {
     if (!o.sheet.empty()) return o.sheet;
     std::string why;
     const std::string sheet = reach::DefaultSheet(o.book, why);
-    if (sheet.empty()) throw Fault(why);
+    if (sheet.empty()) throw Fault(FaultCode::NoSuchSheet, why);
     return sheet;
 }
 
@@ -38,7 +38,7 @@ int Data(const std::string& verb, const std::function<void()>& body) {
 
 }  // namespace
 
-Command AddLibro(CLI::App& parent) {
+Command AddWorkbookCommand(CLI::App& parent) {
     static Options o;
     static std::string verb;
     CLI::App* app =

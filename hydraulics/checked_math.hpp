@@ -1,22 +1,14 @@
-// Run-time faults of the hydraulic routines and the checked arithmetic that raises them.
-//
-// The legacy screens died on a division by zero, the square root of a negative number, a power that
-// is not a real number or a subscript outside 0..50, and hung on marches that never end. Here each of
-// those raises a Fault with a Spanish message at the point where it arises; the screen keeps what it
-// had written and the program goes on.
+// The checked arithmetic of the legacy routines: each operation the legacy run time would have died
+// on raises a Fault (base/fault.hpp) with its message at the point where it arises.
 #pragma once
 
 #include <cmath>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 
-namespace cauce {
+#include "base/fault.hpp"
 
-class Fault : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+namespace cauce {
 
 namespace msg {
 inline constexpr const char* kDivisionPorCero = "División por cero";
@@ -27,31 +19,30 @@ inline constexpr const char* kPotencia =
 inline constexpr const char* kDesbordamiento = "Desbordamiento: el resultado es demasiado grande";
 }  // namespace msg
 
-[[noreturn]] inline void raise(const std::string& message) {
-    throw Fault(message);
-}
-
 // A value that is no longer a finite number is an overflow of the legacy run time.
 inline double Finite(double x) {
-    if (!std::isfinite(x)) raise(msg::kDesbordamiento);
+    if (!std::isfinite(x)) raise(FaultCode::Overflow, msg::kDesbordamiento);
     return x;
 }
 
 inline double Div(double a, double b) {
-    if (b == 0.0) raise(a == 0.0 ? msg::kIndeterminado : msg::kDivisionPorCero);
+    if (b == 0.0) {
+        if (a == 0.0) raise(FaultCode::ZeroOverZero, msg::kIndeterminado);
+        raise(FaultCode::DivisionByZero, msg::kDivisionPorCero);
+    }
     return Finite(a / b);
 }
 
 inline double Sqr(double x) {
-    if (x < 0.0) raise(msg::kRaizNegativa);
+    if (x < 0.0) raise(FaultCode::NegativeRoot, msg::kRaizNegativa);
     return std::sqrt(x);
 }
 
 // a ^ b as the legacy run time computes it: a negative base needs a whole exponent, zero cannot be
 // raised to a negative power.
 inline double Pow(double a, double b) {
-    if (a < 0.0 && b != std::floor(b)) raise(msg::kPotencia);
-    if (a == 0.0 && b < 0.0) raise(msg::kDivisionPorCero);
+    if (a < 0.0 && b != std::floor(b)) raise(FaultCode::NotRealPower, msg::kPotencia);
+    if (a == 0.0 && b < 0.0) raise(FaultCode::DivisionByZero, msg::kDivisionPorCero);
     return Finite(std::pow(a, b));
 }
 
@@ -59,13 +50,15 @@ inline double Pow(double a, double b) {
 // a fault that names the march instead of the legacy hang.
 class StepBudget {
   public:
-    StepBudget(std::int64_t limit, const char* what) : left_(limit), what_(what) {}
+    StepBudget(std::int64_t limit, FaultCode code, const char* what)
+        : left_(limit), code_(code), what_(what) {}
     void step() {
-        if (--left_ < 0) raise(what_);
+        if (--left_ < 0) raise(code_, what_);
     }
 
   private:
     std::int64_t left_;
+    FaultCode code_;
     const char* what_;
 };
 

@@ -4,7 +4,7 @@
 # by default, for MINUTOS minutes, one after another, from its seed corpus in fuzz/corpus/<target>/.
 # The corpus each run grows, its log and any failing input stay in <build>/largo/<target>/.
 #
-#   scripts/fuzz-largo.sh [MINUTOS] [OBJETIVO...]     e.g. scripts/fuzz-largo.sh 10 libro pantallas
+#   scripts/fuzz-long.sh [MINUTOS] [OBJETIVO...]     e.g. scripts/fuzz-long.sh 10 workbook screens
 #
 # Exits with 1 when a target found a failure (its input is in <build>/largo/<target>/fallos/).
 set -euo pipefail
@@ -12,14 +12,14 @@ cd "$(dirname "$0")/.."
 minutes=${1:-10}
 [ $# -gt 0 ] && shift
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(val_format guion screens survey workbook workbook_xml xls_stream)
+[ ${#targets[@]} -gt 0 ] || targets=(val_format script screens survey workbook workbook_xml xls_stream)
 build=${CAUCE_FUZZ_BUILD:-build-fuzz}
 
 CC=clang CXX=clang++ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCAUCE_GUI=OFF -DCAUCE_BENCH=OFF \
   -DCAUCE_SANITIZE=ON -DCAUCE_FUZZ=ON >/dev/null
 cmake --build "$build" -j2 --target cauce "${targets[@]/%/_fuzz}"
 # The legacy .xls reader is cauce itself, run as a child.
-export CAUCE_PROGRAMA="$PWD/$build/cli/cauce"
+export CAUCE_XLS_READER="$PWD/$build/cli/cauce"
 
 failed=0
 for t in "${targets[@]}"; do

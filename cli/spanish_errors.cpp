@@ -1,4 +1,4 @@
-#include "cli/spanish.hpp"
+#include "cli/spanish_errors.hpp"
 
 namespace cauce::cli {
 

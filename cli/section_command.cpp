@@ -11,7 +11,7 @@
 #include "cli/text_table.hpp"
 #include "forms/binding.hpp"
 #include "forms/survey_points.hpp"
-#include "hydraulics/fault.hpp"
+#include "hydraulics/checked_math.hpp"
 #include "hydraulics/survey/survey.hpp"
 #include "reach/run.hpp"
 
@@ -35,7 +35,7 @@ std::string WidthColumn(int j) {
 std::string ReadAll(const std::string& path) {
     if (path == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
     std::ifstream in(path, std::ios::binary);
-    if (!in) throw Fault("No se puede leer el archivo de puntos " + path + ".");
+    if (!in) throw Fault(FaultCode::FileNotFound, "No se puede leer el archivo de puntos " + path + ".");
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
@@ -88,7 +88,7 @@ void PrintJson(const survey::Section& s) {
 // workbook; nothing is written when the sheet or the record cannot take them.
 void WriteRecord(const Options& o, const survey::Section& s) {
     const auto opener = forms::GetSourceOpener();
-    if (!opener) throw Fault("Esta versión se compiló sin libros de Excel.");
+    if (!opener) throw Fault(FaultCode::NoWorkbook, "Esta versión se compiló sin libros de Excel.");
     if (o.record.empty())
         throw UsageError("falta --registro: la fila de la hoja (1 es la primera bajo los encabezados)");
     const double r = NumberOption("--registro", o.record, Sign::Positive);
@@ -98,11 +98,12 @@ void WriteRecord(const Options& o, const survey::Section& s) {
     if (sheet.empty()) {
         std::string why;
         sheet = reach::DefaultSheet(o.book, why);
-        if (sheet.empty()) throw Fault(why + " Dé la hoja con --hoja.");
+        if (sheet.empty()) throw Fault(FaultCode::NoSuchSheet, why + " Dé la hoja con --hoja.");
     }
     for (const auto& l : s.levels)
         if (l.z == 0)
             throw Fault(
+                FaultCode::RecordRefused,
                 "No se escribe el registro: un nivel tiene la cota 0, que las pantallas toman como el fin de "
                 "la tabla. Sume una constante a todas las cotas.");
     const int record = static_cast<int>(r);
@@ -112,14 +113,16 @@ void WriteRecord(const Options& o, const survey::Section& s) {
         for (const std::string& c : {ElevationColumn(j), WidthColumn(j)})
             if (!source->HasColumn(c)) missing += (missing.empty() ? "" : ", ") + c;
     if (!missing.empty())
-        throw Fault("La hoja \"" + sheet + "\" no tiene " +
-                    (missing.size() > 40
-                         ? "la tabla de niveles (columnas z1..z15 y t1..t15)"
-                         : "todas las columnas de la tabla de niveles (faltan " + missing + ")") +
-                    "; no se escribió nada.");
+        throw Fault(
+            FaultCode::NoSuchColumn,
+            "La hoja \"" + sheet + "\" no tiene " +
+                (missing.size() > 40 ? "la tabla de niveles (columnas z1..z15 y t1..t15)"
+                                     : "todas las columnas de la tabla de niveles (faltan " + missing + ")") +
+                "; no se escribió nada.");
     if (record > source->RecordCount())
-        throw Fault("El registro " + std::to_string(record) + " no existe: la hoja \"" + sheet + "\" tiene " +
-                    std::to_string(source->RecordCount()) + " registros.");
+        throw Fault(FaultCode::NoSuchRecord, "El registro " + std::to_string(record) +
+                                                 " no existe: la hoja \"" + sheet + "\" tiene " +
+                                                 std::to_string(source->RecordCount()) + " registros.");
     for (int j = 1; j <= survey::kMaxLevels; ++j) {
         const bool used = j <= static_cast<int>(s.levels.size());
         source->Set(record, ElevationColumn(j),
@@ -170,7 +173,7 @@ int Run(const Options& o) {
 
 }  // namespace
 
-Command AddSeccion(CLI::App& parent) {
+Command AddSectionCommand(CLI::App& parent) {
     static Options o;
     CLI::App* app = parent.add_subcommand(
         "seccion", "Tabla de niveles (z1..z15, t1..t15) de una sección desde sus puntos topográficos");
