@@ -24,6 +24,9 @@ struct ControlName {
 inline std::string TextName(int n) {
     return "Text" + std::to_string(n);
 }
+inline std::string LabelName(int n) {
+    return "Label" + std::to_string(n);
+}
 
 enum class Kind { TextBox, Label, CommandButton, PictureBox, Data };
 
