@@ -42,7 +42,8 @@ ProfileChart::ProfileChart(QWidget* parent) : QChartView(parent) {
     setMinimumSize(260, 200);
     chart()->setTitle(QStringLiteral("Perfil longitudinal"));
     chart()->legend()->setAlignment(Qt::AlignBottom);
-    chart()->legend()->setShowToolTips(true);  // a narrow window shortens the names: hovering shows them whole
+    chart()->legend()->setShowToolTips(
+        true);  // a narrow window shortens the names: hovering shows them whole
     connect(chart(), &QChart::plotAreaChanged, this, [this] { PlaceLabels(); });
 }
 
