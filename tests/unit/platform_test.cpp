@@ -98,15 +98,5 @@ TEST(PlatformTest, ExclusiveCreationAndLocksLetOneProcessIn) {
     EXPECT_TRUE(platform::FileLock::Acquire(guard, 0ms).has_value());
 }
 
-TEST(PlatformTest, ThisProcessAndItsUser) {
-    EXPECT_TRUE(platform::ProcessAlive(platform::ProcessId()));
-    EXPECT_FALSE(platform::ProcessAlive(0));
-    EXPECT_FALSE(platform::ProcessAlive(-5));
-    EXPECT_EQ(platform::Identify(platform::ExecutablePath()).kind, platform::FileKind::Regular);
-    EXPECT_FALSE(platform::UserLogin().empty());
-    EXPECT_FALSE(platform::HostName().empty());
-    EXPECT_FALSE(platform::UserDataFolder().empty());
-}
-
 }  // namespace
 }  // namespace cauce::test

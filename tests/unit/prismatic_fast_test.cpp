@@ -109,7 +109,9 @@ State Conduit(double D, double S) {
 
 }  // namespace
 
-// The places where the searches hand over to the marches or where the arithmetic jumps.
+// Starting states the random cases below never reach: descents and climbs of the conduit's critical
+// depth from any depth and regime, and a march over the banks without end. (The crown, the largest
+// discharge, a trickle, tiny conduits and the first step over the banks are among the random cases.)
 TEST(PrismaticFastEdges, IdenticalToTheLiteralMarches) {
     struct Case {
         const char* what;
@@ -124,27 +126,12 @@ TEST(PrismaticFastEdges, IdenticalToTheLiteralMarches) {
         return st;
     };
     auto criticac = [](State& st) { st.Criticac(); };
-    auto normal = [](State& st) {
-        st.Circular();
-        st.Final();
-        st.Criticac();
-    };
     State full = descent_from(1, 1, 0.3);
     State half = descent_from(1, 0.5, 0.3);
     State climb_half = descent_from(1, 0.5, 3);
     climb_half.F = 2;
     State climb_past_crown = descent_from(1, 0.5, 500);  // supercritical up to the crown and beyond
     climb_past_crown.F = 2;
-    State near_crown = Conduit(1.2, 0.002);
-    near_crown.Q = near_crown.Qm * 0.999;  // the normal depth above 0.9 D: the march goes on
-    State at_max = Conduit(1.2, 0.002);
-    at_max.Q = at_max.Qm;
-    State half_full = Conduit(0.8, 0.002);
-    half_full.Q = half_full.Qlleno / 2;
-    State tiny = Conduit(0.0015, 0.01);
-    tiny.Q = tiny.Qm / 3;
-    State trickle = Conduit(2, 0.001);
-    trickle.Q = 1e-9;  // critical depth below the first millimetre
     State banks;
     banks.n = 0.02;
     banks.S = 0.001;
@@ -154,13 +141,8 @@ TEST(PrismaticFastEdges, IdenticalToTheLiteralMarches) {
     banks.nz = 0.04;
     banks.Lleno();
     banks.Q = 3 * banks.Qb;
-    State no_zone = banks;
-    no_zone.Bz = no_zone.Tb;  // the flood zone has no width
-    State zone = banks;
-    zone.Bz = 30;
-    State first = zone;
-    first.Q = zone.Qb * (1 + 1e-13);
-    State endless = zone;
+    State endless = banks;
+    endless.Bz = 30;
     endless.nz = -0.04;
     endless.n = -0.02;
     auto flood = [](State& st) { st.Qdesbord(); };
@@ -169,14 +151,6 @@ TEST(PrismaticFastEdges, IdenticalToTheLiteralMarches) {
         {"descent from half full", half, criticac},
         {"climb from half full", climb_half, criticac},
         {"climb past the crown", climb_past_crown, criticac},
-        {"normal depth near the crown", near_crown, normal},
-        {"normal depth at the largest discharge", at_max, normal},
-        {"half the full discharge", half_full, normal},
-        {"a conduit of 1.5 mm", tiny, normal},
-        {"a trickle", trickle, normal},
-        {"flood zone as wide as the channel", no_zone, flood},
-        {"flood zone", zone, flood},
-        {"first step over the banks", first, flood},
         {"march over the banks without end", endless, flood},
     };
     for (const auto& c : cases) ExpectIdentical(c.st, c.run, c.what);

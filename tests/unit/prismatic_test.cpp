@@ -57,10 +57,8 @@ TEST(PrismaticNormal, NormalDepthMatchesABisectionOfManning) {
         double n, S, b, z, Q;
     };
     const Case cases[] = {
-        {"rectangle b 2, Q 1", 0.015, 0.001, 2, 0, 1},
         {"trapezoid b 3, z 1.5", 0.015, 0.0008, 3, 1.5, 10},
         {"triangle z 2 (W = z y)", 0.013, 0.002, 0, 2, 1.5},
-        {"wide earth channel", 0.03, 0.0005, 20, 2, 80},
         {"small steep channel", 0.012, 0.05, 0.5, 0.5, 0.2},
     };
     for (const auto& c : cases) {
@@ -73,29 +71,6 @@ TEST(PrismaticNormal, NormalDepthMatchesABisectionOfManning) {
         EXPECT_NEAR(st.T, top, 1e-3) << c.what;
         EXPECT_NEAR(st.Vn, c.Q / area, 1e-3 * c.Q / area) << c.what;
         EXPECT_NEAR(st.F, c.Q / area / std::sqrt(9.81 * area / top), 1e-3) << c.what;
-    }
-}
-
-TEST(PrismaticNormal, DischargeForADepthByHand) {
-    // Rectangle b 2 at 1 m: A 2, P 4, R 0.5. Trapezoid b 3, z 1.5 at 1.2 m: A 5.76, P 7.32666.
-    // Triangle z 2 at 0.5 m: A 0.5, P 2.23607.
-    struct Case {
-        double n, S, b, z, y, Q, T;
-    };
-    const Case cases[] = {
-        {0.015, 0.001, 2, 0, 1, 2.656147, 2},
-        {0.015, 0.001, 3, 1.5, 1.2, 10.343689, 6.6},
-        {0.013, 0.002, 0, 2, 0.5, 0.633673, 2},
-    };
-    for (const auto& c : cases) {
-        State st = Channel(c.n, c.S, c.b, c.z);
-        st.Yn = c.y;
-        st.Normal2();
-        EXPECT_NEAR(st.Q, c.Q, 1e-6);
-        EXPECT_DOUBLE_EQ(st.T, c.T);
-        const double area = (c.b + c.z * c.y) * c.y;
-        EXPECT_NEAR(st.Vn, c.Q / area, 1e-6);
-        EXPECT_NEAR(st.F, c.Q / area / std::sqrt(9.81 * area / c.T), 1e-6);
     }
 }
 
@@ -120,29 +95,6 @@ TEST(PrismaticCritica, CriticalDepthMatchesTheClosedForms) {
         st.Critica();
         EXPECT_NEAR(st.Yc, c.yc, 2e-4) << c.what;
         EXPECT_NEAR(st.Vc, c.Q / ((c.b + c.z * c.yc) * c.yc), 2e-3) << c.what;
-    }
-}
-
-TEST(PrismaticLleno, BankFullDischargeByHand) {
-    // b 2.045, z 0.4, h 1: A 2.445, P 2.045 + 2 sqrt(1.16). (10 - Tb in single precision: form1_desborde.)
-    State st = Channel(0.015, 0.001, 2.045, 0.4);
-    st.h = 1;
-    st.Lleno();
-    EXPECT_NEAR(st.Qb, Manning(2.445, 2.045 + 2 * std::sqrt(1.16), 0.015, 0.001), 1e-12);
-}
-
-TEST(PrismaticConduit, GeometryAgainstTheExactCircle) {
-    const double D = 1.5;
-    for (double ratio : {0.05, 0.25, 0.5, 0.75, 0.94}) {
-        State st = Conduit(0.013, 0.001, D);
-        st.y = ratio * D;
-        const double q = st.Geometria();
-        const Circle c = ExactCircle(D, st.y);
-        // The angle constants 1.5708 and 3.1416 differ from pi / 2 and pi by a few parts in 1e6.
-        EXPECT_NEAR(st.A / c.A, 1, 1e-4) << ratio;
-        EXPECT_NEAR(st.P / c.P, 1, 1e-4) << ratio;
-        EXPECT_NEAR(st.T / c.T, 1, 1e-4) << ratio;
-        EXPECT_NEAR(q / Manning(c.A, c.P, 0.013, 0.001), 1, 1e-4) << ratio;
     }
 }
 
@@ -277,29 +229,13 @@ TEST(PrismaticFlood, CriticalDepthAboveTheBanksWhenTheBankFullFlowIsSupercritica
     }
 }
 
-TEST(PrismaticFaults, BadDataAndEndlessSearchesAreFaultsNamingTheCause) {
-    const auto banked = [](double n, double S, double h) {
-        State st = Channel(n, S, 2, 1);
-        st.h = h;
-        return st;
-    };
+// Bad data on the screen is pinned by tests/guiones/form1_*_faltas; these searches no screen ends.
+TEST(PrismaticFaults, EndlessSearchesAreFaultsNamingTheCause) {
     const struct {
         const char* what;
         std::function<void()> run;
         const char* message_part;
     } cases[] = {
-        {"bank-full, no roughness", [&] { banked(0, 0.001, 1).Lleno(); }, "Rugosidad"},
-        {"bank-full, negative slope", [&] { banked(0.015, -0.001, 1).Lleno(); }, "Pendiente"},
-        {"conduit, negative slope", [] { Conduit(0.013, -0.001, 1).Maximo(); }, "Pendiente"},
-        {"conduit, negative diameter", [] { Conduit(0.013, 0.001, -1).Maximo(); }, "Diámetro"},
-        {"flood zone narrower than the channel", [] { BankedChannel(3, 0.04, 15).Qdesbord(); }, "Ancho zona"},
-        {"negative discharge",
-         [&] {
-             State st = banked(0.015, 0.001, 0);
-             st.Q = -1;
-             st.Normal();
-         },
-         "Potencia"},
         // Negative roughnesses: the discharge over the banks never grows to Q.
         {"flood march",
          [] {
