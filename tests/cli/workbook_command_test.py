@@ -109,7 +109,6 @@ class LibroTest(Scratch):
         before = data(self.path("tramo.xlsx"))
         cases = [
             (["eliminar", "tramo.xlsx", "--hoja", "Persecc", "--registro", "1"], "un solo registro"),
-            (["eliminar", "tramo.xlsx", "--hoja", "Persecc", "--registro", "5"], "no existe"),
             (["agregar", "tramo.xlsx", "--hoja", "Persecc", "--despues", "4"], "no existe"),
             (["agregar", "tramo.xlsx", "--hoja", "Hoja9"], "no tiene la hoja"),
             (["renumerar", "tramo.xlsx", "--hoja", "Canales"], "no hay nada que renumerar"),
