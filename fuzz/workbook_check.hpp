@@ -2,13 +2,10 @@
 #pragma once
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -53,28 +50,9 @@ class PrivateFolder {
     std::filesystem::path dir_;
 };
 
-// With CAUCE_FUZZ_MESSAGES set, each distinct message (digits left out) is printed once, so that a
-// long run can be read for messages that are not clear Spanish.
-inline void Note(const std::string& message, const std::string& file) {
-    static const bool on = std::getenv("CAUCE_FUZZ_MESSAGES") != nullptr;
-    if (!on) return;
-    static std::set<std::string> seen;
-    std::string shape;
-    for (std::size_t i = 0; i < message.size(); ++i) {
-        if (message.compare(i, file.size(), file) == 0 && !file.empty()) {
-            shape += "ARCHIVO";
-            i += file.size() - 1;
-        } else if (message[i] < '0' || message[i] > '9') {
-            shape += message[i];
-        }
-    }
-    if (seen.insert(shape).second) std::fprintf(stderr, "mensaje: %s\n", shape.c_str());
-}
-
 inline void CheckFault(const Fault& f, const std::string& file) {
     const std::string m = f.what();
     if (m.find("\"" + file + "\"") == std::string::npos) Fail("message without the file: " + m);
-    Note(m, file);
 }
 
 inline void CheckNumber(const workbook::Cell& c, const std::string& where) {
