@@ -71,7 +71,7 @@ class SurveySection : public QObject {
         std::vector<std::map<std::string, std::string>> rows;
         for (int k = 1; k <= 2; ++k)
             rows.push_back(SectionRow(k, 2, {{90, 2}, {91, 3}, {92, 9}, {93, 12}}, 0.03, 0.001, 5));
-        Books()["rios.xlsx"] = MakeSheet(Form2Columns(), rows);
+        Books()["rios.xlsx"] = std::make_shared<MemorySheet>(MemorySheet{Form2Columns(), rows, 0, {}});
         OnRios on;
         auto& [prompter, desktop, w] = on;
         QAction* action =
