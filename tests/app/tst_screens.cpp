@@ -61,21 +61,6 @@ class Screens : public QObject {
             QCOMPARE(QByteArray(std::localeconv()->decimal_point), QByteArray(","));
     }
 
-    // Tab goes through the text boxes and buttons in the order the screen declares them.
-    void tabFollowsTheDeclarationOrder() {
-        RecordingPrompter prompter;
-        auto s = Show("Form2", prompter);
-        QVERIFY(QTest::qWaitForWindowActive(s.view.get()));
-        const auto chain = s.view->TabChain();
-        QVERIFY(chain.size() > 90);
-        QCOMPARE(chain.front(), s.view->Box(profile::box::SectionNumber));
-        chain.front()->setFocus();
-        for (std::size_t k = 1; k < 12; ++k) {
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-            QCOMPARE(QApplication::focusWidget(), chain[k]);
-        }
-    }
-
     // The real message box: warning text, Spanish button, and it does not end the program.
     void faultMessageBoxIsSpanish() {
         app::DialogPrompter prompter;

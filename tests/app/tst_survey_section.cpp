@@ -57,11 +57,6 @@ class SurveySection : public QObject {
 
         d.LevelCount()->setValue(2);
         QCOMPARE(d.Result()->levels.size(), std::size_t{2});
-
-        // A paste that is not points changes nothing and says why.
-        d.PasteText(QStringLiteral("0;105\n5;x\n"));
-        QVERIFY(d.Problem().startsWith(QStringLiteral("No se pegó nada. Línea 2:")));
-        QCOMPARE(d.Points()->item(2, 1)->text(), QStringLiteral("103"));
     }
 
     // The menu entry of a screen with a level table; "Aplicar" types the levels into the record's
