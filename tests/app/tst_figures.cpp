@@ -66,7 +66,6 @@ class Figures : public QObject {
         QTest::addColumn<int>("figure");
         QTest::newRow("profile screens") << "C:\\programas\\figuras\\Cauces1.wmf" << int(Figure::Cauces1);
         QTest::newRow("upper case") << "C:\\PROGRAMAS\\FIGURAS\\SUMMER.WMF" << int(Figure::Summer);
-        QTest::newRow("forward slashes") << "figuras/Crectg.wmf" << int(Figure::Crectg);
         QTest::newRow("Ctrian is not Ctrian1") << "Ctrian.wmf" << int(Figure::Ctrian);
         QTest::newRow("empty box") << "" << int(Figure::None);
         QTest::newRow("unknown") << "plano.wmf" << int(Figure::Unknown);

@@ -1,6 +1,6 @@
 // A working session in the desktop: decimal commas typed and pasted, numbers read only in part
 // refused, results dimmed once their data change, "Calcular el tramo" and "Reiniciar la pantalla",
-// the messages of a profile run too early and of a wrong section table, units and accessible names,
+// the message of a profile run too early, units and accessible names,
 // and the window kept within the screen.
 #include <QAction>
 #include <QApplication>
@@ -275,22 +275,6 @@ class Session : public QObject {
         for (int j = 63; j <= 65; ++j) by_f5 << w->View()->Box(("Text" + std::to_string(j)).c_str())->text();
         QCOMPARE(by_f5, by_hand);
         QVERIFY(prompter.faults.isEmpty());
-        desktop.Exit();
-    }
-
-    // A section table whose levels do not rise outlines the level and dims the section's results.
-    void tableErrorOutlinesTheLevel() {
-        OnRios on;
-        auto& [prompter, desktop, w] = on;
-        app::ScreenView* view = w->View();
-        Type(view, "Text3", "99");  // z2 below z1
-        Press(view, "Command2");
-        QVERIFY(view->Outlined().count("Text1") && view->Outlined().count("Text3"));
-        // The message belongs to that click: once the level is fixed it is shown as past.
-        Type(view, "Text3", "103.06");
-        QVERIFY(!view->Outlined().count("Text3"));
-        QVERIFY(view->Stale("Label26"));
-        QVERIFY(view->Caption("Label26")->font().italic());
         desktop.Exit();
     }
 
