@@ -91,30 +91,12 @@ void InstallMemoryBooks() {
     forms::SetSourceOpener(&OpenMemory);
 }
 
-std::shared_ptr<MemorySheet> MakeSheet(const std::vector<std::string>& columns,
-                                       const std::vector<std::map<std::string, std::string>>& rows) {
-    auto sheet = std::make_shared<MemorySheet>();
-    sheet->columns = columns;
-    sheet->rows = rows;
-    return sheet;
-}
-
-// A column's name: prefix and number ("z3", "Abscisa12").
-static std::string Numbered(std::string prefix, int n) {
-    prefix += std::to_string(n);
-    return prefix;
-}
-
 std::vector<std::string> Form2Columns() {
     std::vector<std::string> c = {"SecId",  "No# secciones", "Rugosidad",   "Si",
                                   "Caudal", "Ancho Zi",      "Rugosidad Zi"};
     for (int j = 1; j <= 15; ++j) {
-        c.push_back(Numbered("z", j));
-        c.push_back(Numbered("t", j));
-        c.push_back(Numbered("Abscisa", j));
-        c.push_back(Numbered("Tipo", j));
-        c.push_back(Numbered("Za", j));
-        c.push_back(Numbered("V", j));
+        for (const char* prefix : {"z", "t", "Abscisa", "Tipo", "Za", "V"})
+            c.push_back(prefix + std::to_string(j));
     }
     return c;
 }
@@ -129,8 +111,8 @@ std::map<std::string, std::string> SectionRow(int number, int count,
     row["Si"] = Text(slope);
     row["Caudal"] = Text(discharge);
     for (std::size_t j = 0; j < levels.size(); ++j) {
-        row[Numbered("z", static_cast<int>(j) + 1)] = Text(levels[j].first);
-        row[Numbered("t", static_cast<int>(j) + 1)] = Text(levels[j].second);
+        row["z" + std::to_string(j + 1)] = Text(levels[j].first);
+        row["t" + std::to_string(j + 1)] = Text(levels[j].second);
     }
     return row;
 }
@@ -140,10 +122,10 @@ std::shared_ptr<MemorySheet> ThreeSectionReach() {
     for (int k = 1; k <= 3; ++k) {
         const double bed = 100.12 - 0.06 * k;
         auto row = SectionRow(k, 3, {{bed, 3.0}, {bed + 3.0, 3.0}}, 0.015, 0.001, 6.0);
-        for (int j = 1; j <= 3; ++j) row[Numbered("Abscisa", j)] = std::to_string(60 * (j - 1));
+        for (int j = 1; j <= 3; ++j) row["Abscisa" + std::to_string(j)] = std::to_string(60 * (j - 1));
         rows.push_back(row);
     }
-    return MakeSheet(Form2Columns(), rows);
+    return std::make_shared<MemorySheet>(MemorySheet{Form2Columns(), rows, 0, {}});
 }
 
 void OnlyRios() {

@@ -50,10 +50,6 @@ struct MemorySheet {
 std::map<std::string, std::shared_ptr<MemorySheet>>& Books();
 void InstallMemoryBooks();
 
-// The sheet from rows of column=value pairs.
-std::shared_ptr<MemorySheet> MakeSheet(const std::vector<std::string>& columns,
-                                       const std::vector<std::map<std::string, std::string>>& rows);
-
 class RecordingPrompter : public app::Prompter {
   public:
     void Fault(QWidget*, const QString& message) override { faults << message; }

@@ -61,26 +61,6 @@ TEST_P(BadWorkbook, IsRefusedWithItsMessageAndLeftAsItWas) {
     }
 }
 
-// The package with one 32-bit field of its last part's central directory entry changed: at 20 the
-// compressed size, at 42 the place of the local header.
-std::string EditLastEntry(std::string z, std::size_t field, const std::function<unsigned(unsigned)>& change) {
-    auto u16 = [&](std::size_t p) {
-        return static_cast<unsigned>(static_cast<unsigned char>(z[p])) |
-               static_cast<unsigned>(static_cast<unsigned char>(z[p + 1])) << 8;
-    };
-    auto u32 = [&](std::size_t p) { return u16(p) | u16(p + 2) << 16; };
-    const std::size_t eocd = z.size() - 22;
-    EXPECT_EQ(z.compare(eocd, 4, "PK\x05\x06"), 0);
-    std::size_t p = u32(eocd + 16), last = p;
-    for (unsigned i = 0, n = u16(eocd + 10); i < n; ++i) {
-        last = p;
-        p += 46 + u16(p + 28) + u16(p + 30) + u16(p + 32);
-    }
-    const unsigned value = change(u32(last + field));
-    for (int b = 0; b < 4; ++b) z[last + field + b] = static_cast<char>(value >> (8 * b) & 0xFF);
-    return z;
-}
-
 // A copy of the file with one part's text replaced.
 void ReplacePart(const fs::path& from, const fs::path& to, const char* part, const std::string& text) {
     fs::copy_file(from, to);
@@ -109,31 +89,8 @@ const OpenCase kOpenCases[] = {
      [](const fs::path& f) {
          return Q(f) + " no es un libro de Excel (.xlsx o .xls). El archivo no se modificó.";
      }},
-    {"zip_without_workbook",
-     [](const fs::path& f) {
-         // A zip that holds something else: the bundled workbook with its main parts renamed.
-         std::string z = Slurp(kRios);
-         for (std::size_t p; (p = z.find("xl/workbook.xml")) != std::string::npos;)
-             z.replace(p, 15, "xl/libro_xx.xml");
-         for (std::size_t p; (p = z.find("_rels/.rels")) != std::string::npos;)
-             z.replace(p, 11, "_rels/.relx");
-         Spit(f, z);
-     },
-     [](const fs::path& f) {
-         return Q(f) +
-                " no es un libro de Excel: es un archivo zip sin hoja de cálculo. El archivo no se modificó.";
-     }},
     {"truncated", [](const fs::path& f) { Spit(f, Half(Slurp(kRios))); },
      [](const fs::path& f) { return "El libro " + Q(f) + " está dañado: "; }, false},
-    // A part Cauce never reads but copies when saving: refused on opening, not when saving the work.
-    {"unread_part_misplaced",
-     [](const fs::path& f) { Spit(f, EditLastEntry(Slurp(kRios), 42, [](unsigned v) { return v - 3; })); },
-     [](const fs::path& f) {
-         return "El libro " + Q(f) +
-                " está dañado: una parte del archivo zip es incoherente (¿está dañado?) (parte "
-                "[Content_Types].xml). "
-                "El archivo no se modificó.";
-     }},
     // The parser's complaint comes in Spanish, with where it is.
     {"xml_not_well_formed",
      [](const fs::path& f) { ReplacePart(kRios, f, "xl/workbook.xml", "<workbook><sheets></workbook>"); },
@@ -168,76 +125,29 @@ const OpenCase kOpenCases[] = {
 INSTANTIATE_TEST_SUITE_P(Opening, BadWorkbook, ::testing::ValuesIn(kOpenCases),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// Sheets whose cells sit in a row element other than their row's (found by fuzzing): an edit of such a
-// row goes into the row's own element and is saved, not dropped.
-TEST_F(WorkbookTest, EditsOfAnOddlyLaidOutSheetAreSaved) {
-    const std::string head =
-        "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData><row "
-        "r=\"1\">"
-        "<c r=\"A1\" t=\"inlineStr\"><is><t>SecId</t></is></c><c r=\"B1\" "
-        "t=\"inlineStr\"><is><t>Caudal</t></is></c>"
-        "<c r=\"C1\" t=\"inlineStr\"><is><t>Si</t></is></c>";
-    const struct {
-        const char* name;
-        std::string xml;
-    } cases[] = {
-        // Row 2's B2 inside the element of row 1; row 2 has no element of its own.
-        {"cell_of_another_row", head + "<c r=\"B2\"><v>5</v></c></row></sheetData></worksheet>"},
-        // Row 2 twice: A2 in the first element, C2 in the second.
-        // A2's type written twice: the first one is read, and none may be left once A2 holds a number.
-        {"type_repeated",
-         head + "</row><row r=\"2\"><c r=\"A2\" t=\"e\" t=\"b\"><v>#N/A</v></c></row></sheetData>"
-                "</worksheet>"},
-        {"row_repeated", head + "</row><row r=\"2\"><c r=\"A2\"><v>1</v></c></row><row r=\"2\"><c r=\"C2\">"
-                                "<v>0.002</v></c></row></sheetData></worksheet>"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const fs::path file = Dir() / (std::string(c.name) + ".xlsx");
-        ReplacePart(kRios, file, "xl/worksheets/sheet1.xml", c.xml);
-        {
-            workbook::SheetRecords records(workbook::Workbook::Open(file), "Persecc");
-            ASSERT_EQ(records.RecordCount(), 1);
-            records.Set(1, "SecId", "7");
-            records.Set(1, "Caudal", "12.5");
-            records.Save();
-        }
-        workbook::SheetRecords again(workbook::Workbook::Open(file), "Persecc");
-        EXPECT_EQ(again.Get(1, "SecId"), "7");
-        EXPECT_EQ(again.Get(1, "Caudal"), "12.5");
-    }
-}
-
-// A formula replaced in a package with a calculation chain but no list of content types (found by
-// fuzzing): the chain goes, and the save does not fail for the list it cannot find.
-TEST_F(WorkbookTest, FormulaReplacedInAPackageWithoutContentTypes) {
-    const fs::path file = Dir() / "sin_tipos.xlsx";
-    ASSERT_EQ(Workbooks("crear-xml " + file.string()), 0);
-    int err = 0;
-    zip_t* z = zip_open(file.c_str(), 0, &err);
-    ASSERT_NE(z, nullptr);
-    ASSERT_EQ(zip_delete(z, static_cast<zip_uint64_t>(zip_name_locate(z, "[Content_Types].xml", 0))), 0);
-    ASSERT_EQ(zip_close(z), 0);
+// A row written twice (found by fuzzing): an edit of that row is saved, not dropped. (A cell in another
+// row's element and a package without content types: fuzz/corpus/workbook_xml, celda_de_otra_fila and
+// sin_tipos, read back after an edit by the fuzz target.)
+TEST_F(WorkbookTest, EditsOfARowWrittenTwiceAreSaved) {
+    const fs::path file = Dir() / "fila_repetida.xlsx";
+    ReplacePart(
+        kRios, file, "xl/worksheets/sheet1.xml",
+        "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData>"
+        "<row r=\"1\"><c r=\"A1\" t=\"inlineStr\"><is><t>SecId</t></is></c><c r=\"B1\" t=\"inlineStr\">"
+        "<is><t>Caudal</t></is></c><c r=\"C1\" t=\"inlineStr\"><is><t>Si</t></is></c></row><row r=\"2\">"
+        "<c r=\"A2\"><v>1</v></c></row><row r=\"2\"><c "
+        "r=\"C2\"><v>0.002</v></c></row></sheetData></worksheet>");
     {
         workbook::SheetRecords records(workbook::Workbook::Open(file), "Persecc");
-        ASSERT_TRUE(records.Book().FindSheet("Persecc")->IsFormula(2, 5));
-        records.Set(1, "Doble", "3");
+        ASSERT_EQ(records.RecordCount(), 1);
+        records.Set(1, "SecId", "7");
+        records.Set(1, "Caudal", "12.5");
         records.Save();
     }
-    auto book = workbook::Workbook::Open(file);
-    EXPECT_FALSE(book->FindSheet("Persecc")->IsFormula(2, 5));
-    workbook::SheetRecords again(std::move(book), "Persecc");
-    EXPECT_EQ(again.Get(1, "Doble"), "3");
-}
-
-TEST_F(WorkbookTest, MissingSheetNamesTheSheetsThereAre) {
-    const fs::path file = Dir() / "rio.xlsx";
-    ASSERT_EQ(Workbooks("crear " + file.string()), 0);
-    const auto r = Guion("pantalla Form4\nlibro rio.xlsx\n");
-    EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.err,
-              "guion: línea 2: El libro " + Q(file) +
-                  " no tiene la hoja \"Percanal\" (sus hojas son \"Portada\", \"Persecc\", \"Resumen\").\n");
+    workbook::SheetRecords again(workbook::Workbook::Open(file), "Persecc");
+    EXPECT_EQ(again.Get(1, "SecId"), "7");
+    EXPECT_EQ(again.Get(1, "Caudal"), "12.5");
+    EXPECT_EQ(again.Get(1, "Si"), "0.002");
 }
 
 TEST_F(WorkbookTest, MissingColumnLeavesItsBoxUnboundAndSaysSo) {
@@ -265,25 +175,20 @@ std::string With(std::string script, const fs::path& file) {
     return script;
 }
 
-TEST_F(WorkbookTest, ReadOnlyFileIsNotReplaced) {
-    const fs::path file = Dir() / "rio.xlsx";
+// A read-only file, then a read-only folder: the save is refused, the file left whole and no temporary
+// file left beside it.
+TEST_F(WorkbookTest, ReadOnlyFileOrFolderIsNotWritten) {
+    const fs::path folder = Dir() / "solo-lectura", file = folder / "rio.xlsx";
+    fs::create_directory(folder);
     fs::copy_file(kRios, file);
     fs::permissions(file, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-    const auto r = Guion(With(kEditAndMove, file));
+    auto r = Guion(With(kEditAndMove, file));
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.err, "guion: línea 4: No se pudo guardar el libro " + Q(file) +
                          ": el archivo es de solo lectura. El libro no se modificó.\n");
-    EXPECT_EQ(Slurp(file), Slurp(kRios));
-    EXPECT_EQ(FileCount(Dir()), 1u);
-}
-
-TEST_F(WorkbookTest, ReadOnlyFolderIsNotWritten) {
-    const fs::path folder = Dir() / "solo-lectura";
-    fs::create_directory(folder);
-    const fs::path file = folder / "rio.xlsx";
-    fs::copy_file(kRios, file);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
     fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
-    const auto r = Guion(With(kEditAndMove, file));
+    r = Guion(With(kEditAndMove, file));
     fs::permissions(folder, fs::perms::owner_all);
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.err, "guion: línea 4: No se pudo guardar el libro " + Q(file) + ": la carpeta " + Q(folder) +

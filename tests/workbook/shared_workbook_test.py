@@ -20,7 +20,6 @@ import openpyxl
 
 CAUCE = os.environ["CAUCE"]
 EJEMPLOS = os.environ["CAUCE_EXAMPLES"]
-TRIALS = 20
 
 
 def column(ws, name):
@@ -70,24 +69,6 @@ class GuionesTest(Scratch):
             p.stdin.close()
         return [(p.wait(timeout=60), p.stderr.read()) for p in procs]
 
-    def test_different_sheets_then_different_cells_every_time(self):
-        book = os.path.join(self.dir, "Rios.xlsx")
-        for case, (form_b, sheet_b, box_b, column_b) in {
-            "hojas": ("Form4", "Percanal", "Text95", "Caudal"),
-            "celdas": ("Form2", "Persecc", "Text93", "Rugosidad"),
-        }.items():
-            for i in range(TRIALS):
-                with self.subTest(caso=case, vez=i):
-                    shutil.copy(os.path.join(EJEMPLOS, "Rios.xlsx"), book)
-                    q, other = 100 + i, 0.01 + i / 1000
-                    results = self.race(
-                        f"pantalla Form2\nlibro Rios.xlsx\nescribir Text95 {q}\n",
-                        f"pantalla {form_b}\nlibro Rios.xlsx\nescribir {box_b} {other}\n")
-                    self.assertEqual([r[0] for r in results], [0, 0], results)
-                    self.assertEqual(cell(book, "Persecc", 1, "Caudal"), q)
-                    self.assertEqual(cell(book, sheet_b, 1, column_b), other)
-                    self.assertFalse(os.path.exists(os.path.join(self.dir, ".~lock.Rios.xlsx#")))
-
     def test_same_cell_one_save_refused_and_the_file_holds_the_other(self):
         book = os.path.join(self.dir, "Rios.xlsx")
         shutil.copy(os.path.join(EJEMPLOS, "Rios.xlsx"), book)
@@ -100,20 +81,6 @@ class GuionesTest(Scratch):
         self.assertIn(f'en la hoja "Persecc", registro 1, columna "Caudal", otro programa guardó {saved} y en '
                       f'Cauce se escribió {refused}', err)
         self.assertEqual(cell(book, "Persecc", 1, "Caudal"), saved)
-
-    def test_typed_relative_path_is_the_working_folders(self):
-        # A legacy .xls of the working folder, not the data folder's workbook of that name.
-        book = os.path.join(self.dir, "Rios.xls")
-        subprocess.run(["/usr/bin/python3", os.path.join(os.path.dirname(__file__), "workbooks.py"), "crear-xls",
-                        book], check=True)
-        r = self.guion("pantalla Form2\nlibro Rios.xls\nmostrar\n")
-        self.assertEqual(r.returncode, 0, r.stderr)
-        self.assertEqual(json.loads(r.stdout)["Text93"], "0.03")
-        r = subprocess.run([CAUCE, "perfil", "Rios.xls", "--hoja", "Persecc", "--y-inicial", "1.5", "--guardar"],
-                           capture_output=True, text=True, cwd=self.dir, env=self.env, timeout=60)
-        self.assertIn(os.path.join(self.dir, "Rios.xlsx"), r.stdout + r.stderr)
-        self.assertTrue(os.path.exists(os.path.join(self.dir, "Rios.xlsx")))
-        self.assertFalse(os.path.exists(os.path.join(self.dir, "datos", "Rios.xls")))
 
 
 class LibreOfficeTest(Scratch):

@@ -1,30 +1,9 @@
 #!/usr/bin/python3
 """Workbooks made and checked by an independent reader and writer (openpyxl, xlwt) for the tests.
 
-  workbooks.py crear RUTA                 a workbook with styles, formulas and extra sheets around a
-                                          sheet "Persecc" of three sections
-  workbooks.py crear-xls RUTA             the same records in a legacy .xls (xlwt)
-  workbooks.py xls-libreoffice RUTA CASO  a legacy .xls written by LibreOffice (headless soffice) from a
-                                          workbook of openpyxl: "grafico" (sheet Persecc with a chart),
-                                          "texto-largo" (a text of 20,000 characters), "formulas" (a
-                                          sheet of formulas with numeric and text results)
-  workbooks.py verificar ORIGINAL NUEVO CAMBIOS
-                                          NUEVO is ORIGINAL with exactly the changes listed in the JSON
-                                          file CAMBIOS ([{"hoja", "registro", "columna", "valor"}, ...]),
-                                          values, formulas, styles, widths, merges and names all else equal
-  workbooks.py leer RUTA HOJA             prints the sheet's rows as JSON
-  workbooks.py formulas RUTA HOJA         prints the sheet's formulas as JSON (shared ones expanded)
-  workbooks.py poner RUTA HOJA REGISTRO COLUMNA VALOR
-                                          sets one cell (VALOR in JSON; REGISTRO 0 is the header row)
-  workbooks.py hoja-vacia RUTA HOJA       adds an empty sheet
-  workbooks.py crear-bomba RUTA           a package whose sheet expands to 200 MB
-  workbooks.py crear-entidades RUTA       the package of crear-xml with a document type declaring
-                                          nested entities in xl/workbook.xml
-  workbooks.py crear-xml RUTA [PREFIJO]   a package written part by part as Excel writes it: shared
-                                          strings with runs, inline strings, booleans, errors, formulas
-                                          with cached results, a shared formula, a calculation chain,
-                                          cells without references; PREFIJO "x" prefixes the elements
-Prints what differs and exits 1 when a check fails.
+Usage: workbooks.py ORDEN RUTA ...; the orders are the functions named in COMMANDS at the end. "verificar
+ORIGINAL NUEVO CAMBIOS" checks that NUEVO is ORIGINAL with exactly the changes listed in the JSON file
+CAMBIOS, all else equal; it prints what differs and exits 1.
 """
 import json
 import sys
@@ -191,32 +170,32 @@ def put(path, sheet, record, column, value):
     wb.save(path)
 
 
-def create_bomb(path):
+def rewrite(path, change):
+    """The package of crear-xml with its parts passed through change(parts)."""
     import zipfile
-    head = ('<?xml version="1.0" encoding="UTF-8"?><worksheet '
-            'xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><sheetData>')
     create_xml(path)
     with zipfile.ZipFile(path) as z:
         parts = {n: z.read(n) for n in z.namelist()}
-    parts["xl/worksheets/sheet1.xml"] = head.encode() + b" " * (200 << 20) + b"</sheetData></worksheet>"
+    change(parts)
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as z:
         for name, data in parts.items():
             z.writestr(name, data)
 
 
+def create_bomb(path):
+    """A sheet that expands to 200 MB."""
+    head = ('<?xml version="1.0" encoding="UTF-8"?><worksheet '
+            'xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><sheetData>')
+    rewrite(path, lambda parts: parts.update({"xl/worksheets/sheet1.xml": head.encode() + b" " * (200 << 20) +
+                                              b"</sheetData></worksheet>"}))
+
+
 def create_entities(path):
-    import zipfile
-    create_xml(path)
-    with zipfile.ZipFile(path) as z:
-        parts = {n: z.read(n) for n in z.namelist()}
+    """A document type declaring nested entities in xl/workbook.xml."""
     lol = '<!ENTITY lol "lol">' + "".join(
         f'<!ENTITY lol{i} "{("&lol" + (str(i - 1) if i > 1 else "") + ";") * 10}">' for i in range(1, 10))
-    text = parts["xl/workbook.xml"].decode()
-    parts["xl/workbook.xml"] = text.replace("?>\n", f"?>\n<!DOCTYPE workbook [{lol}]>", 1).replace(
-        'name="Persecc"', 'name="&lol9;"').encode()
-    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as z:
-        for name, data in parts.items():
-            z.writestr(name, data)
+    rewrite(path, lambda parts: parts.update({"xl/workbook.xml": parts["xl/workbook.xml"].decode().replace(
+        "?>\n", f"?>\n<!DOCTYPE workbook [{lol}]>", 1).replace('name="Persecc"', 'name="&lol9;"').encode()}))
 
 
 def formulas(path, sheet):
@@ -225,12 +204,7 @@ def formulas(path, sheet):
 
 
 def cells(ws):
-    out = {}
-    for row in ws.iter_rows():
-        for c in row:
-            if c.value is not None:
-                out[c.coordinate] = c.value
-    return out
+    return {c.coordinate: c.value for row in ws.iter_rows() for c in row if c.value is not None}
 
 
 def style(c):
