@@ -17,23 +17,11 @@ import zipfile
 import openpyxl
 
 sys.path.insert(0, os.path.dirname(__file__))
-from cli_test import WITH_GUI, Scratch  # noqa: E402
+from cli_test import EXAMPLES, WITH_GUI, Scratch, sheet_rows  # noqa: E402
 
 
-def data(path):
-    with open(path, "rb") as f:
-        return f.read()
-
-
-def rows(path, sheet):
-    ws = openpyxl.load_workbook(path)[sheet]
-    return [[c.value for c in r] for r in ws.iter_rows()]
-
-
-def column(path, sheet, name):
-    r = rows(path, sheet)
-    i = r[0].index(name)
-    return [row[i] for row in r[1:]]
+def column(path, name, sheet="Persecc"):
+    return [r[name] for r in sheet_rows(path, sheet)]
 
 
 class LibroTest(Scratch):
@@ -43,24 +31,13 @@ class LibroTest(Scratch):
 
     def test_new_workbook_has_every_screen_sheet(self):
         self.ok("libro", "nuevo", "tramo.xlsx")
-        book = openpyxl.load_workbook(self.path("tramo.xlsx"))
-        self.assertEqual(book.sheetnames, self.SHEETS)
-        self.assertEqual(rows(self.path("tramo.xlsx"), "Persecc")[1][:2], [1, 1])
+        self.assertEqual(openpyxl.load_workbook(self.path("tramo.xlsx")).sheetnames, self.SHEETS)
+        self.assertEqual(column(self.path("tramo.xlsx"), "No# secciones"), [1])
         # Every screen opens it with one record and says nothing of missing columns.
         for form in ("Form1", "Form2", "Form3", "Form4", "Form5"):
             out = self.guion(["pantalla %s" % form, "libro tramo.xlsx", "mostrar"])[-1]
             self.assertNotIn("aviso", out, form)
             self.assertEqual(out.get("registro"), "1 de 1", form)
-
-    def test_refuses_to_overwrite(self):
-        self.ok("libro", "nuevo", "tramo.xlsx")
-        before = data(self.path("Rios.xlsx"))
-        for target, code in (("Rios.xlsx", 1), ("no-hay/tramo.xlsx", 1)):
-            r = self.run_cauce("libro", "nuevo", target)
-            self.assertEqual(r.returncode, code, r.stderr)
-            self.assertTrue(r.stderr.startswith("cauce libro nuevo: "), r.stderr)
-        self.assertEqual(data(self.path("Rios.xlsx")), before)
-        self.assertFalse(os.path.exists(self.path("no-hay")))
 
     def test_opens_in_libreoffice(self):
         if not shutil.which("soffice"):
@@ -84,30 +61,30 @@ class LibroTest(Scratch):
         wb = openpyxl.load_workbook(self.path("tramo.xlsx"))
         ws = wb["Persecc"]
         header = [c.value for c in ws[1]]
-        ws.cell(2, header.index("Caudal") + 1, 38)
-        ws.cell(2, header.index("Rugosidad") + 1, 0.035)
-        ws.cell(2, header.index("z1") + 1, 120)
+        ws.cell(2, header.index("Caudal") + 1, 38)  # the reach's discharge: copied to a new record
+        ws.cell(2, header.index("z1") + 1, 120)     # the section's own: not copied
         wb.save(self.path("tramo.xlsx"))
 
         self.ok("libro", "agregar", "tramo.xlsx", "--hoja", "Persecc")            # at the end: record 2
         self.ok("libro", "agregar", "tramo.xlsx", "--hoja", "Persecc", "--despues", "0")  # a new first
         p = self.path("tramo.xlsx")
-        self.assertEqual(column(p, "Persecc", "Caudal"), [38, 38, 38])
-        self.assertEqual(column(p, "Persecc", "Rugosidad"), [None, 0.035, None])
-        self.assertEqual(column(p, "Persecc", "z1"), [None, 120, None])
+        self.assertEqual(column(p, "Caudal"), [38, 38, 38])
+        self.assertEqual(column(p, "z1"), [None, 120, None])
         self.ok("libro", "renumerar", "tramo.xlsx")  # the first profile sheet: Persecc
-        self.assertEqual(column(p, "Persecc", "SecId"), [1, 2, 3])
-        self.assertEqual(column(p, "Persecc", "No# secciones"), [3, 3, 3])
+        self.assertEqual(column(p, "SecId"), [1, 2, 3])
+        self.assertEqual(column(p, "No# secciones"), [3, 3, 3])
         self.ok("libro", "eliminar", "tramo.xlsx", "--hoja", "Persecc", "--registro", "1")
-        self.assertEqual(column(p, "Persecc", "z1"), [120, None])
-        self.assertEqual(len(rows(p, "Persecc")), 3)
+        self.assertEqual(column(p, "z1"), [120, None])
         # Other sheets are untouched.
-        self.assertEqual(rows(p, "Percanal")[1][:2], [1, 1])
+        self.assertEqual(column(p, "No# secciones", "Percanal"), [1])
 
     def test_bad_requests_change_nothing(self):
         self.ok("libro", "nuevo", "tramo.xlsx")
-        before = data(self.path("tramo.xlsx"))
+        before = {name: self.read(name) for name in ("tramo.xlsx", "Rios.xlsx")}
         cases = [
+            # A new workbook never replaces a file, nor makes a folder.
+            (["nuevo", "Rios.xlsx"], "ya existe: elija otro nombre"),
+            (["nuevo", "no-hay/tramo.xlsx"], "cauce libro nuevo: "),
             (["eliminar", "tramo.xlsx", "--hoja", "Persecc", "--registro", "1"], "un solo registro"),
             (["agregar", "tramo.xlsx", "--hoja", "Persecc", "--despues", "4"], "no existe"),
             (["agregar", "tramo.xlsx", "--hoja", "Hoja9"], "no tiene la hoja"),
@@ -118,7 +95,8 @@ class LibroTest(Scratch):
             r = self.run_cauce("libro", *args)
             self.assertEqual(r.returncode, 1, (args, r.stderr))
             self.assertIn(message, r.stderr, args)
-        self.assertEqual(data(self.path("tramo.xlsx")), before)
+        self.assertEqual({name: self.read(name) for name in before}, before)
+        self.assertFalse(os.path.exists(self.path("no-hay")))
         self.assertEqual(self.run_cauce("libro").returncode, 2)
 
 
@@ -149,12 +127,11 @@ class ProyectoTest(Scratch):
         text = self.pdf("d.pdf")
         self.assertIn("Proyecto: Canal Sur", text)
         self.assertIn("Autor: Otro", text)
-        with zipfile.ZipFile(self.path("Rios.xlsx")) as z:
-            custom = z.read("docProps/custom.xml").decode("utf-8")
-        self.assertIn('name="Proyecto"><vt:lpwstr>Canal Sur</vt:lpwstr>', custom)
+        with zipfile.ZipFile(self.path("Rios.xlsx")) as z:  # a custom property other programs show
+            self.assertIn('name="Proyecto"><vt:lpwstr>Canal Sur</vt:lpwstr>', z.read("docProps/custom.xml").decode())
         # The workbook's sheets are as they were.
-        self.assertEqual(rows(self.path("Rios.xlsx"), "Persecc"),
-                         rows(os.path.join(os.environ.get("CAUCE_EXAMPLES"), "Rios.xlsx"), "Persecc"))
+        self.assertEqual(sheet_rows(self.path("Rios.xlsx"), "Persecc"),
+                         sheet_rows(os.path.join(EXAMPLES, "Rios.xlsx"), "Persecc"))
 
 
 class SeparadorTest(Scratch):
@@ -167,6 +144,9 @@ class SeparadorTest(Scratch):
                                                     "csv", "--separador", ";")), delimiter=";"))
         self.assertEqual(point[0], comma[0])
         self.assertEqual(len(point), len(comma))
+        # One row per section, in order, each with every column.
+        self.assertEqual([r[point[0].index("seccion")] for r in point[1:]], [str(k) for k in range(1, 13)])
+        self.assertEqual({len(r) for r in point}, {len(point[0])})
         for a, b in zip(point[1:], comma[1:]):
             # Numbers change their point for a comma, texts (the workbook's name) stay.
             self.assertEqual([x.replace(".", ",") if x.replace(".", "").isdigit() else x for x in a], b)
