@@ -5,7 +5,7 @@
   shared_workbook_test.py -v LibreOfficeTest   LibreOffice (headless, driven through python3-uno) as the
                                           other program: its workbook edited by Cauce, its lock
                                           honoured, Cauce's lock seen by it
-Environment: CAUCE (the program), CAUCE_EXAMPLES (examples/), CAUCE_DATOS (a scratch data folder).
+Environment and scratch folders: as tests/cli/cli_test.py (CAUCE, CAUCE_EXAMPLES).
 """
 import json
 import os
@@ -18,33 +18,18 @@ import unittest
 
 import openpyxl
 
-CAUCE = os.environ["CAUCE"]
-EJEMPLOS = os.environ["CAUCE_EXAMPLES"]
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "cli"))
+from cli_test import CAUCE, EXAMPLES, Scratch, sheet_rows  # noqa: E402
 
 
-def column(ws, name):
-    for c in ws[1]:
-        if c.value == name:
-            return c.column
-    raise KeyError(name)
+def caudal(path, record):
+    return sheet_rows(path, "Persecc")[record - 1]["Caudal"]
 
 
-def cell(path, sheet, record, name):
-    ws = openpyxl.load_workbook(path)[sheet]
-    return ws.cell(1 + record, column(ws, name)).value
-
-
-class Scratch(unittest.TestCase):
-    def setUp(self):
-        self.dir = tempfile.mkdtemp(prefix="cauce-compartido-")
-        self.env = dict(os.environ, CAUCE_DATOS=os.path.join(self.dir, "datos"))
-
-    def tearDown(self):
-        shutil.rmtree(self.dir, ignore_errors=True)
-
-    def guion(self, script):
-        return subprocess.run([CAUCE, "guion"], input=script, capture_output=True, text=True, cwd=self.dir,
-                              env=self.env, timeout=60)
+def cells(path):
+    """Every cell that holds something (a formula as its text), by sheet and coordinate."""
+    return {(ws.title, c.coordinate): c.value for ws in openpyxl.load_workbook(path) for row in ws.iter_rows()
+            for c in row if c.value is not None}
 
 
 class GuionesTest(Scratch):
@@ -65,13 +50,10 @@ class GuionesTest(Scratch):
             p.stdout.readline()
         for p in procs:
             p.stdin.write("registro 2\n")
-        for p in procs:
             p.stdin.close()
         return [(p.wait(timeout=60), p.stderr.read()) for p in procs]
 
     def test_same_cell_one_save_refused_and_the_file_holds_the_other(self):
-        book = os.path.join(self.dir, "Rios.xlsx")
-        shutil.copy(os.path.join(EJEMPLOS, "Rios.xlsx"), book)
         results = self.race("pantalla Form2\nlibro Rios.xlsx\nescribir Text95 111\n",
                             "pantalla Form2\nlibro Rios.xlsx\nescribir Text95 222\n")
         statuses = sorted(r[0] for r in results)
@@ -80,7 +62,7 @@ class GuionesTest(Scratch):
         err = [r[1] for r in results if r[0] == 1][0]
         self.assertIn(f'en la hoja "Persecc", registro 1, columna "Caudal", otro programa guardó {saved} y en '
                       f'Cauce se escribió {refused}', err)
-        self.assertEqual(cell(book, "Persecc", 1, "Caudal"), saved)
+        self.assertEqual(caudal(self.path("Rios.xlsx"), 1), saved)
 
 
 class LibreOfficeTest(Scratch):
@@ -120,43 +102,39 @@ class LibreOfficeTest(Scratch):
             cls.office.kill()
         shutil.rmtree(cls.profile, ignore_errors=True)
 
-    def load(self, path, hidden=True):
+    def load(self, path):
         import uno
         from com.sun.star.beans import PropertyValue
-        p = PropertyValue()
-        p.Name, p.Value = "Hidden", hidden
-        return self.desktop.loadComponentFromURL(uno.systemPathToFileUrl(path), "_blank", 0, (p,))
+        hidden = PropertyValue(Name="Hidden", Value=True)
+        return self.desktop.loadComponentFromURL(uno.systemPathToFileUrl(path), "_blank", 0, (hidden,))
 
     def save_as_xlsx(self, doc, path):
         import uno
         from com.sun.star.beans import PropertyValue
-        f = PropertyValue()
-        f.Name, f.Value = "FilterName", "Calc MS Excel 2007 XML"
-        doc.storeToURL(uno.systemPathToFileUrl(path), (f,))
+        xlsx = PropertyValue(Name="FilterName", Value="Calc MS Excel 2007 XML")
+        doc.storeToURL(uno.systemPathToFileUrl(path), (xlsx,))
 
     def test_libreoffice_workbook_edited_by_cauce_recalculates_and_keeps_the_rest(self):
-        book = os.path.join(self.dir, "Rios.xlsx")
+        book = self.path("Rios.xlsx")
         # A workbook made by LibreOffice: the example's sheets, a sheet "Resumen" summing the
         # discharge column, and a record whose discharge is a formula.
-        doc = self.load(os.path.join(EJEMPLOS, "Rios.xlsx"))
+        doc = self.load(os.path.join(EXAMPLES, "Rios.xlsx"))
         sheets = doc.Sheets
-        persecc = sheets.getByName("Persecc")
-        ws = openpyxl.load_workbook(os.path.join(EJEMPLOS, "Rios.xlsx"))["Persecc"]
-        caudal = column(ws, "Caudal") - 1
-        total = sum(ws.cell(r, caudal + 1).value or 0 for r in range(2, 14))
+        ws = openpyxl.load_workbook(book)["Persecc"]
+        column = [c.value for c in ws[1]].index("Caudal")
+        discharges = [ws.cell(r, column + 1).value or 0 for r in range(2, 14)]
         sheets.insertNewByName("Resumen", sheets.Count)
-        letter = openpyxl.utils.get_column_letter(caudal + 1)
+        letter = openpyxl.utils.get_column_letter(column + 1)
         sheets.getByName("Resumen").getCellByPosition(0, 0).setFormula(f"=SUM(Persecc.{letter}2:{letter}13)")
-        persecc.getCellByPosition(caudal, 3).setFormula(f"={letter}2")
+        sheets.getByName("Persecc").getCellByPosition(column, 3).setFormula(f"={letter}2")
         self.save_as_xlsx(doc, book)
         doc.close(True)
-        first = cell(book, "Persecc", 1, "Caudal")
-        third = ws.cell(4, caudal + 1).value
-        before = openpyxl.load_workbook(book)
+        first, third = discharges[0], discharges[2]
+        before = cells(book)
 
         # Cauce changes the first record's discharge; the record fed by a formula says so.
-        r = self.guion("pantalla Form2\nlibro Rios.xlsx\nregistro 3\nmostrar\nregistro 1\n"
-                       f"escribir Text95 {first + 7}\nregistro 2\n")
+        r = self.run_cauce("guion", stdin="pantalla Form2\nlibro Rios.xlsx\nregistro 3\nmostrar\nregistro 1\n"
+                           f"escribir Text95 {first + 7}\nregistro 2\n")
         self.assertEqual(r.returncode, 0, r.stderr)
         self.assertEqual(json.loads(r.stdout.splitlines()[0])["Text95"], format(first, "g"))
 
@@ -164,37 +142,29 @@ class LibreOfficeTest(Scratch):
         doc = self.load(book)
         try:
             got = doc.Sheets.getByName("Resumen").getCellByPosition(0, 0).getValue()
-            fed = doc.Sheets.getByName("Persecc").getCellByPosition(caudal, 3)
-            self.assertEqual(got, total - first - third + 2 * (first + 7))
+            fed = doc.Sheets.getByName("Persecc").getCellByPosition(column, 3)
+            self.assertEqual(got, sum(discharges) - first - third + 2 * (first + 7))
             self.assertEqual(fed.getValue(), first + 7)
             self.assertEqual(fed.getFormula(), f"={letter}2")
         finally:
             doc.close(True)
         # Cauce shows the formula's value from the cells as they are now, and says when an edit
         # replaces it.
-        r = self.guion("pantalla Form2\nlibro Rios.xlsx\nregistro 3\nmostrar\nescribir Text95 50\nregistro 1\n"
-                       "mostrar\n")
+        r = self.run_cauce("guion", stdin="pantalla Form2\nlibro Rios.xlsx\nregistro 3\nmostrar\n"
+                           "escribir Text95 50\nregistro 1\nmostrar\n")
         self.assertEqual(r.returncode, 0, r.stderr)
         shown, moved = (json.loads(line) for line in r.stdout.splitlines())
         self.assertEqual(shown["Text95"], format(first + 7, "g"))
         self.assertIn(f"Se reemplazó la fórmula ={letter}2 de la hoja \"Persecc\" (registro 3, columna \"Caudal\") "
                       "por el valor 50.", moved["aviso"])
-        self.assertEqual(cell(book, "Persecc", 3, "Caudal"), 50)
-        after = openpyxl.load_workbook(book)
-        for name in before.sheetnames:
-            for row_a, row_b in zip(before[name].iter_rows(), after[name].iter_rows()):
-                for a, b in zip(row_a, row_b):
-                    if (name, a.row, a.column) == ("Persecc", 2, caudal + 1):
-                        self.assertEqual(b.value, first + 7)
-                    elif (name, a.row, a.column) == ("Persecc", 4, caudal + 1):
-                        self.assertEqual(b.value, 50)
-                    else:
-                        self.assertEqual(a.value, b.value, f"{name}!{a.coordinate}")
+        self.assertEqual(caudal(book, 3), 50)
+        # Both edits kept, nothing else changed.
+        before.update({("Persecc", f"{letter}2"): first + 7, ("Persecc", f"{letter}4"): 50})
+        self.assertEqual(cells(book), before)
 
     def test_locks_both_ways(self):
-        book = os.path.join(self.dir, "Rios.xlsx")
-        lock = os.path.join(self.dir, ".~lock.Rios.xlsx#")
-        shutil.copy(os.path.join(EJEMPLOS, "Rios.xlsx"), book)
+        book = self.path("Rios.xlsx")
+        lock = self.path(".~lock.Rios.xlsx#")
 
         # LibreOffice holds the workbook: Cauce reads it, says who holds it, saves nothing.
         doc = self.load(book)
@@ -202,12 +172,13 @@ class LibreOfficeTest(Scratch):
             with open(lock, encoding="utf-8") as f:
                 theirs = f.read()
             self.assertTrue(theirs.endswith(";"), theirs)
-            original = open(book, "rb").read()
-            r = self.guion("pantalla Form2\nlibro Rios.xlsx\nmostrar\nescribir Text95 5\nregistro 2\n")
+            original = self.read("Rios.xlsx")
+            r = self.run_cauce("guion", stdin="pantalla Form2\nlibro Rios.xlsx\nmostrar\nescribir Text95 5\n"
+                               "registro 2\n")
             self.assertEqual(r.returncode, 1)
             self.assertIn("está abierto para edición por", json.loads(r.stdout)["aviso"])
             self.assertIn("Sus cambios no se guardaron", r.stderr)
-            self.assertEqual(open(book, "rb").read(), original)
+            self.assertEqual(self.read("Rios.xlsx"), original)
             self.assertEqual(open(lock, encoding="utf-8").read(), theirs)
         finally:
             doc.close(True)
