@@ -24,8 +24,7 @@ import os
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 G = 9.81
-SCRIPTS = ("form2_perfil_m1", "form2_perfil_m2", "form2_perfil_m2_elevado", "form2_perfil_s1", "form2_perfil_s2",
-           "form2_perfil_mixto", "form2_perfil_quince", "form4_perfil_trapecio", "form4_perfil_triangulo")
+SCRIPTS = ("form2_perfil_m1", "form2_perfil_s1", "form2_perfil_mixto", "form2_perfil_quince", "form4_perfil_trapecio", "form4_perfil_triangulo")
 
 
 def bisect(f, lo, hi):
@@ -72,19 +71,23 @@ class Section:
 
 
 def read(name):
-    sections, box, x = [], {}, {}
+    """The script's sections, chainages, and each profile run: its start depth and the table shown."""
+    sections, box, starts = [], {}, []
     with open(os.path.join(HERE, name + ".guion"), encoding="utf-8") as f:
         for line in f:
             words = line.split()
-            if words[:1] == ["escribir"]:
+            if words[:2] == ["escribir", "Text98"]:
+                starts.append(float(words[2]))
+            elif words[:1] == ["escribir"]:
                 box[words[1]] = float(words[2])
             elif words == ["oprimir", "Command2"]:
                 sections.append(Section(box))
                 box = {}
     with open(os.path.join(HERE, name + ".json"), encoding="utf-8") as f:
-        before, after = (json.loads(line) for line in f)
+        before, *after = (json.loads(line) for line in f)
+    assert len(after) == len(starts), (name, len(after), len(starts))
     chainage = [box["Text%d" % (29 + 2 * j)] for j in range(1, len(sections) + 1)]
-    return sections, chainage, box["Text98"], before, after
+    return sections, chainage, before, list(zip(starts, after))
 
 
 def near(shown, exact, slack):
@@ -92,11 +95,17 @@ def near(shown, exact, slack):
 
 
 def check(name):
-    secs, x, y_start, before, after = read(name)
+    secs, x, before, runs = read(name)
     last = secs[-1]
     # "(Y?)" reports the normal depth 1 mm above its march's last depth, the critical depth 1 mm below.
     near(before["Text99"], last.yn + 0.0015, 6e-4)
     near(before["Text100"], last.yc - 0.0015, 6e-4)
+    for y_start, after in runs:
+        check_run(name, secs, x, y_start, after)
+
+
+def check_run(name, secs, x, y_start, after):
+    last = secs[-1]
     depth = {k: float(after["Text%d" % (62 + k)]) - s.z1 for k, s in enumerate(secs, start=1)}
     kind = {k: after["Text%d" % (30 + 2 * k)] for k in depth}
     N = len(secs)
