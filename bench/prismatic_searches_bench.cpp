@@ -21,13 +21,9 @@ constexpr double kPi = 3.14159265358979323846;
 // walks up from 1 mm), and D 12 m carrying what the exact circle carries at 5 m (the march walks
 // 5,000 steps up from 1 mm).
 State Conduit(double D, double share, bool literal) {
-    State st;
-    st.n = 0.013;
-    st.S = 0.001;
-    st.D = D;
+    State st{.n = 0.013, .S = 0.001, .D = D, .literal = literal};
     st.Maximo();
     st.Q = share * st.Qlleno;
-    st.literal = literal;
     return st;
 }
 
@@ -118,17 +114,9 @@ void RatingCurve(benchmark::State& state, bool literal) {
 }
 // A trapezoid b 3, z 1.5, banks 1.5 m, flood zone 40 m wide, at twenty times bank-full.
 void Flood(benchmark::State& state, bool literal) {
-    State st;
-    st.n = 0.015;
-    st.S = 0.0008;
-    st.b = 3;
-    st.z = 1.5;
-    st.h = 1.5;
-    st.Bz = 40;
-    st.nz = 0.04;
+    State st{.n = 0.015, .S = 0.0008, .b = 3, .z = 1.5, .h = 1.5, .Bz = 40, .nz = 0.04, .literal = literal};
     st.Lleno();
     st.Q = 20 * st.Qb;
-    st.literal = literal;
     TimeSearch(
         state, st, "Yn", [](State& s) { s.Qdesbord(); }, [](const State& s) { return s.Yn; });
 }

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QMainWindow>
+#include <QObject>
 #include <QString>
 #include <QStringList>
 #include <map>
@@ -98,5 +99,13 @@ std::shared_ptr<MemorySheet> ThreeSectionReach();
 
 // The in-memory workbooks: only "rios.xlsx", holding ThreeSectionReach.
 void OnlyRios();
+
+// A test class whose every test starts with only "rios.xlsx" in memory.
+class OnRiosTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void initTestCase() { InstallMemoryBooks(); }
+    void init() { OnlyRios(); }
+};
 
 }  // namespace cauce::apptest

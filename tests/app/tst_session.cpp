@@ -96,11 +96,9 @@ void ReachEqualsTheCommandLine(const QString& screen, const char* sheet, const c
 
 }  // namespace
 
-class Session : public QObject {
+class Session : public OnRiosTest {
     Q_OBJECT
   private slots:
-    void initTestCase() { InstallMemoryBooks(); }
-    void init() { OnlyRios(); }
 
     void separators_data() {
         QTest::addColumn<QString>("text");

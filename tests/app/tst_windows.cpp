@@ -33,11 +33,9 @@ void Click(QAbstractButton* button) {
 
 }  // namespace
 
-class Windows : public QObject {
+class Windows : public OnRiosTest {
     Q_OBJECT
   private slots:
-    void initTestCase() { InstallMemoryBooks(); }
-    void init() { OnlyRios(); }
 
     // Form2 opens on its workbook's first record; the navigator moves through the records; an edit
     // is saved into the record it leaves.

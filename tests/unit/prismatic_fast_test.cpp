@@ -99,10 +99,7 @@ void ExpectIdentical(State fast, const std::function<void(State&)>& run, const c
 }
 
 State Conduit(double D, double S) {
-    State st;
-    st.n = 0.013;
-    st.S = S;
-    st.D = D;
+    State st{.n = 0.013, .S = S, .D = D};
     st.Maximo();
     return st;
 }
@@ -132,13 +129,7 @@ TEST(PrismaticFastEdges, IdenticalToTheLiteralMarches) {
     climb_half.F = 2;
     State climb_past_crown = descent_from(1, 0.5, 500);  // supercritical up to the crown and beyond
     climb_past_crown.F = 2;
-    State banks;
-    banks.n = 0.02;
-    banks.S = 0.001;
-    banks.b = 2;
-    banks.z = 1;
-    banks.h = 1;
-    banks.nz = 0.04;
+    State banks{.n = 0.02, .S = 0.001, .b = 2, .z = 1, .h = 1, .nz = 0.04};
     banks.Lleno();
     banks.Q = 3 * banks.Qb;
     State endless = banks;

@@ -29,20 +29,11 @@ Circle ExactCircle(double D, double y) {
 }
 
 State Channel(double n, double S, double b, double z) {
-    State st;
-    st.n = n;
-    st.S = S;
-    st.b = b;
-    st.z = z;
-    return st;
+    return {.n = n, .S = S, .b = b, .z = z};
 }
 
 State Conduit(double n, double S, double D) {
-    State st;
-    st.n = n;
-    st.S = S;
-    st.D = D;
-    return st;
+    return {.n = n, .S = S, .D = D};
 }
 
 double TrapezoidQ(const State& st, double y) {
@@ -178,10 +169,7 @@ TEST(PrismaticConduit, CriticalDepthMatchesABisectionOfFroude) {
 namespace {
 // Main channel b 2, z 1, bank height 1 (Ab 3, Pb 4.828, Tb 4), n 0.02, S 0.001.
 State BankedChannel(double Bz, double nz, double Q) {
-    State st = Channel(0.02, 0.001, 2, 1);
-    st.h = 1;
-    st.Bz = Bz;
-    st.nz = nz;
+    State st{.n = 0.02, .S = 0.001, .b = 2, .z = 1, .h = 1, .Bz = Bz, .nz = nz};
     st.Lleno();
     st.Q = Q;
     return st;
