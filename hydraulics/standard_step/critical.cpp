@@ -21,61 +21,59 @@ double Energy(const Section& s, double y) {
 }
 
 // The least energy in [a, b]: parabolas through the three best points, each checked against a
-// golden-section step (Brent's minimizer), to within about 2e-5 m of the minimum.
+// golden-section step (Brent's minimizer), to within about 2e-5 m of the minimum. x is the best
+// point so far, w the second best, v the one before w.
 double RefineMinimum(const Section& s, double a, double b) {
+    struct Point {
+        double y, e;  // a depth and its specific energy
+    };
     const double golden = (3 - std::sqrt(5.0)) / 2;
     constexpr double kTol = 2e-5;  // m
-    double x = a + golden * (b - a), w = x, v = x;
-    double fx = Energy(s, x), fw = fx, fv = fx;
+    const double y0 = a + golden * (b - a);
+    Point x{y0, Energy(s, y0)}, w = x, v = x;
     double d = 0, e = 0;
     for (int iter = 0; iter < 100; ++iter) {
-        const double xm = (a + b) / 2, tol1 = kTol + 1e-12 * std::fabs(x), tol2 = 2 * tol1;
-        if (std::fabs(x - xm) <= tol2 - (b - a) / 2) break;
+        const double xm = (a + b) / 2, tol1 = kTol + 1e-12 * std::fabs(x.y), tol2 = 2 * tol1;
+        if (std::fabs(x.y - xm) <= tol2 - (b - a) / 2) break;
         bool parabolic = false;
         if (std::fabs(e) > tol1) {
-            const double r = (x - w) * (fx - fv);
-            double q = (x - v) * (fx - fw);
-            double p = (x - v) * q - (x - w) * r;
+            const double r = (x.y - w.y) * (x.e - v.e);
+            double q = (x.y - v.y) * (x.e - w.e);
+            double p = (x.y - v.y) * q - (x.y - w.y) * r;
             q = 2 * (q - r);
             if (q > 0) p = -p;
             q = std::fabs(q);
             // The parabola's vertex is taken when it lies inside and the step shrinks fast enough.
-            if (std::fabs(p) < std::fabs(q * e / 2) && p > q * (a - x) && p < q * (b - x)) {
+            if (std::fabs(p) < std::fabs(q * e / 2) && p > q * (a - x.y) && p < q * (b - x.y)) {
                 e = d;
                 d = p / q;
-                const double u = x + d;
-                if (u - a < tol2 || b - u < tol2) d = xm >= x ? tol1 : -tol1;
+                const double u = x.y + d;
+                if (u - a < tol2 || b - u < tol2) d = xm >= x.y ? tol1 : -tol1;
                 parabolic = true;
             }
         }
         if (!parabolic) {
-            e = (x >= xm ? a : b) - x;
+            e = (x.y >= xm ? a : b) - x.y;
             d = golden * e;
         }
-        const double u = std::fabs(d) >= tol1 ? x + d : x + (d > 0 ? tol1 : -tol1);
-        const double fu = Energy(s, u);
-        if (fu <= fx) {
-            (u >= x ? a : b) = x;
+        const double uy = std::fabs(d) >= tol1 ? x.y + d : x.y + (d > 0 ? tol1 : -tol1);
+        const Point u{uy, Energy(s, uy)};
+        if (u.e <= x.e) {
+            (u.y >= x.y ? a : b) = x.y;
             v = w;
-            fv = fw;
             w = x;
-            fw = fx;
             x = u;
-            fx = fu;
         } else {
-            (u < x ? a : b) = u;
-            if (fu <= fw || w == x) {
+            (u.y < x.y ? a : b) = u.y;
+            if (u.e <= w.e || w.y == x.y) {
                 v = w;
-                fv = fw;
                 w = u;
-                fw = fu;
-            } else if (fu <= fv || v == x || v == w) {
+            } else if (u.e <= v.e || v.y == x.y || v.y == w.y) {
                 v = u;
-                fv = fu;
             }
         }
     }
-    return x;
+    return x.y;
 }
 
 }  // namespace
