@@ -39,8 +39,7 @@ std::string WordFault(const Fault& fault, const std::string& button, const std::
     if (suspects.empty()) {
         text +=
             "Revise los datos: las cotas deben subir y los anchos no achicarse de un punto al siguiente, y "
-            "la "
-            "rugosidad, la pendiente y el caudal deben ser mayores que cero.";
+            "la rugosidad, la pendiente y el caudal deben ser mayores que cero.";
     } else {
         text += suspects.size() == 1 ? "Revise la casilla " : "Revise las casillas ";
         for (std::size_t k = 0; k < suspects.size(); ++k) {

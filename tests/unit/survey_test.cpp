@@ -174,18 +174,15 @@ TEST(SurveySection, WarningsForOverhangsIslandsAndRepeatedPoints) {
     const std::vector<Row> rows = {
         {Pts({{0, 106}, {3, 100}, {6, 100}, {8, 103}, {7, 104}, {10, 106}}),
          {"Entre las cotas 103 y 104.25 el cauce se estrecha (orilla en voladizo): el ancho baja de 6.5 a 6 "
-          "m y la "
-          "sección por niveles mantiene 6.5 m."}},
+          "m y la sección por niveles mantiene 6.5 m."}},
         {Pts({{0, 105}, {2, 100}, {4, 103}, {6, 100}, {8, 105}}),
          {"Entre las cotas 100 y 103 el agua ocupa 2 tramos separados (islotes, barras o depresiones): la "
-          "sección "
-          "suma sus anchos."}},
+          "sección suma sus anchos."}},
         {Pts({{0, 105}, {5, 100}, {5, 100}, {10, 105}}),
          {"La línea 3 repite el punto (5; 100) de la línea 2: se toma una vez."}},
         {Pts({{0, 5}, {5, 0}, {10, 5}}),
          {"Un nivel tiene la cota 0, que las pantallas toman como el fin de la tabla de niveles: sume una "
-          "constante "
-          "a todas las cotas (por ejemplo 100)."}},
+          "constante a todas las cotas (por ejemplo 100)."}},
     };
     for (const Row& r : rows) EXPECT_EQ(survey::SectionFromSurvey(r.ground).warnings, r.warnings);
     // The held width: the level at 104 keeps 6.5 m though the survey is 6 m wide there.
@@ -284,15 +281,13 @@ TEST(SurveySection, BadSurveysAreRefusedNamingTheLine) {
          "Hacen falta al menos 3 puntos (abscisa y cota) de izquierda a derecha; hay 2."},
         {Pts({{0, 100}, {5, 102}, {10, 105}}), 15,
          "El perfil no retiene agua: el extremo izquierdo (línea 1, cota 100) no está por encima del fondo "
-         "(cota "
-         "100)."},
+         "(cota 100)."},
         {Pts({{10, 105}, {5, 100}, {0, 105}}), 15,
          "Línea 3: la última abscisa (0) no es mayor que la primera (10); los puntos van de izquierda a "
          "derecha."},
         {Pts({{0, 105}, {6, 100}, {8, 104}, {3, 99}, {12, 105}}), 15,
          "Línea 4: la abscisa 3 vuelve atrás y el perfil se cruza consigo mismo; los puntos van de izquierda "
-         "a "
-         "derecha."},
+         "a derecha."},
         {Pts({{0, 105}, {5, 100}, {5, 103}, {5, 101}, {10, 105}}), 15,
          "Línea 4: el perfil vuelve sobre sí mismo en la abscisa 5; los puntos van de izquierda a derecha."},
         {Pts({{0, 105}, {5, 2e6}, {10, 105}}), 15,
@@ -339,8 +334,7 @@ TEST(SurveyPoints, RefusesALineThatIsNotTwoNumbers) {
         {"0;105\n5;abc\n", "Línea 2: «5;abc» no son dos números (abscisa y cota)."},
         {"12,5,100,3\n",
          "Línea 1: «12,5,100,3» no son dos números (abscisa y cota); con la coma decimal, separe los números "
-         "con "
-         "punto y coma o tabulador."},
+         "con punto y coma o tabulador."},
         {"0;1e999\n", "Línea 1: «0;1e999» no son dos números (abscisa y cota)."},
     };
     for (const auto& [text, message] : rows) {

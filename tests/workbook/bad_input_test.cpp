@@ -97,8 +97,7 @@ const OpenCase kOpenCases[] = {
      [](const fs::path& f) {
          return "El libro " + Q(f) +
                 " está dañado: la parte xl/workbook.xml no es XML válido (una etiqueta de cierre no "
-                "corresponde a "
-                "la que abre, posición ";
+                "corresponde a la que abre, posición ";
      },
      false},
     {"legacy_garbage",
@@ -110,15 +109,13 @@ const OpenCase kOpenCases[] = {
      [](const fs::path& f) {
          return "El libro " + Q(f) +
                 " se rechaza: la parte xl/worksheets/sheet1.xml se expande a más de 128 MB (parece una bomba "
-                "zip). "
-                "El archivo no se modificó.";
+                "zip). El archivo no se modificó.";
      }},
     {"entity_expansion", [](const fs::path& f) { Workbooks("crear-entidades " + f.string()); },
      [](const fs::path& f) {
          return "El libro " + Q(f) +
                 " se rechaza: la parte xl/workbook.xml declara un tipo de documento con entidades XML, que "
-                "un libro "
-                "de Excel no usa. El archivo no se modificó.";
+                "un libro de Excel no usa. El archivo no se modificó.";
      }},
 };
 
