@@ -24,7 +24,8 @@ import os
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 G = 9.81
-SCRIPTS = ("form2_perfil_m1", "form2_perfil_s1", "form2_perfil_mixto", "form2_perfil_quince", "form4_perfil_trapecio", "form4_perfil_triangulo")
+SCRIPTS = ("form2_perfil_m1", "form2_perfil_s1", "form2_perfil_mixto", "form2_perfil_quince", "form4_perfil_trapecio",
+           "form4_perfil_triangulo")
 
 
 def bisect(f, lo, hi):
